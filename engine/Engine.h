@@ -1,0 +1,87 @@
+#pragma once
+
+#include "engine/SpscRing.h"
+
+#include <cstdint>
+
+class ClockDisplay;
+class Playhead;
+class Row;
+class SequencerRow;
+
+// A raw key event by key position: the DirectInput scan code of the key and
+// whether it went down.
+struct KeyEvent {
+    uint8_t pressed;
+    uint32_t scanCode;
+};
+
+// Where the engine sends the key events it takes from the queue. The key map
+// implements it; the view keeps the engine's target up to date.
+class KeyTarget {
+  public:
+    virtual ~KeyTarget() = default;
+    virtual void OnKey(uint8_t pressed, uint32_t scanCode) = 0;
+};
+
+// The one object that keeps time: the registry of every instrument's playhead,
+// what is highlighted for the keys, and the tick. The tick runs on the audio
+// thread (see OnTimer); every other operation runs with the engine lock held.
+class Engine {
+  public:
+    static constexpr int MaxHighlights = 30;
+    static constexpr int KeysPerTick = 3;
+    static constexpr int ClockCells = 30;
+    static constexpr int ClockPeriod = 32;
+
+    Engine();
+    virtual ~Engine();
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+
+    void AddPlayhead(Playhead* playhead);
+    void RemovePlayhead(Playhead* playhead);
+
+    void HighlightLine(Row* row);
+    void AddHighlightedSequencer(SequencerRow* sequencer);
+    void ClearHighlights();
+
+    // The key dispatcher's entry: guards against re-entry, then hands the
+    // event to the key target.
+    void OnKeyEvent(uint8_t pressed, uint32_t scanCode);
+
+    // GUI thread (the key feed), lock-free: queues a key event for the tick.
+    // False when the queue is full and the event is lost.
+    bool PostKey(uint8_t pressed, uint32_t scanCode) {
+        return keyQueue.Push(KeyEvent{pressed, scanCode});
+    }
+
+    // One tick: every playhead advances, up to three queued key events run,
+    // and every 32nd tick the clock values go to the clock display.
+    // Audio thread, engine lock held: no waits, no allocation, no I/O.
+    void OnTimer();
+
+    void SetClockDisplay(ClockDisplay* display) { clockDisplay = display; }
+    void SetKeyTarget(KeyTarget* target) { keyTarget = target; }
+
+    int8_t highlightCount = 0;
+    SequencerRow* highlightedSequencers[MaxHighlights] = {};
+    uint8_t highlightMode = 0;
+    Row* highlightedLine = nullptr;
+    int32_t playheadCapacity = 10;
+    int32_t playheadCount = 0;
+    Playhead** playheads;
+
+    int32_t refreshCounter = 0;
+    int32_t clockMeasures[32] = {};
+    int32_t clockBeats[32] = {};
+    int32_t clockIds[32] = {};
+
+  private:
+    void ClockPass();
+
+    SpscRing<KeyEvent, 256> keyQueue;
+    KeyTarget* keyTarget = nullptr;
+    ClockDisplay* clockDisplay = nullptr;
+    uint8_t keyBusy = 0;
+};
