@@ -32,8 +32,8 @@ bool SoundBuffer::Send(uint8_t kind, int32_t value) {
 bool SoundBuffer::Play(PlayPoint p) {
     if (empty != 0)
         return false;
-    const int16_t v = static_cast<int16_t>(
-        static_cast<int32_t>((p.volume + 10000) * volumeFraction) - 10000);
+    const int16_t v =
+        static_cast<int16_t>(static_cast<int32_t>((p.volume + 10000) * volumeFraction) - 10000);
     if (v != lastVolume)
         Send(MixerCommand::SetVolume, v);
     int32_t n = p.pan + static_cast<int32_t>(linePan * 10000.0);

@@ -1,0 +1,101 @@
+#include "engine/Engine.h"
+
+#include "engine/ClockDisplay.h"
+#include "engine/Playhead.h"
+#include "engine/SequencerRow.h"
+#include "ui/Row.h"
+
+#include <algorithm>
+#include <cstring>
+
+Engine::Engine() : playheads(new Playhead*[10]) {}
+
+Engine::~Engine() {
+    delete[] playheads;
+}
+
+// The registry grows every 5 additions to count + 10 entries; the capacity
+// field trails the array's real size by 5, so a slot always stands free.
+void Engine::AddPlayhead(Playhead* playhead) {
+    playheads[playheadCount++] = playhead;
+    if (playheadCount != playheadCapacity)
+        return;
+    Playhead** grown = new Playhead*[playheadCount + 10];
+    std::memcpy(grown, playheads, sizeof(Playhead*) * playheadCount);
+    delete[] playheads;
+    playheads = grown;
+    playheadCapacity += 5;
+}
+
+void Engine::RemovePlayhead(Playhead* playhead) {
+    for (int32_t i = playheadCount - 1; i >= 0; --i) {
+        if (playheads[i] != playhead)
+            continue;
+        std::memmove(playheads + i, playheads + i + 1, sizeof(Playhead*) * (playheadCount - i - 1));
+        --playheadCount;
+        return;
+    }
+}
+
+void Engine::HighlightLine(Row* row) {
+    if (row->type != Row::LineRow)
+        return;
+    highlightedLine = row;
+    highlightMode = 1;
+}
+
+// The list holds 30; a sequencer added beyond that is ignored.
+void Engine::AddHighlightedSequencer(SequencerRow* sequencer) {
+    if (highlightCount < MaxHighlights)
+        highlightedSequencers[highlightCount++] = sequencer;
+    highlightMode = 2;
+}
+
+void Engine::ClearHighlights() {
+    if (highlightMode == 2)
+        for (int i = 0; i < highlightCount; ++i)
+            highlightedSequencers[i]->ClearHighlight();
+    highlightMode = 0;
+    highlightCount = 0;
+}
+
+void Engine::OnKeyEvent(uint8_t pressed, uint32_t scanCode) {
+    if (keyBusy)
+        return;
+    keyBusy = 1;
+    if (keyTarget != nullptr)
+        keyTarget->OnKey(pressed, scanCode);
+    keyBusy = 0;
+}
+
+void Engine::OnTimer() {
+    for (int32_t i = 0; i < playheadCount; ++i)
+        playheads[i]->Tick();
+    // At most three events a tick; a longer burst waits in the queue, in
+    // order, for the ticks that follow.
+    KeyEvent key;
+    for (int k = 0; k < KeysPerTick && keyQueue.Pop(key); ++k)
+        OnKeyEvent(key.pressed, key.scanCode);
+    if (++refreshCounter < ClockPeriod)
+        return;
+    ClockPass();
+    refreshCounter = 0;
+}
+
+void Engine::ClockPass() {
+    const int32_t n = std::min(playheadCount, static_cast<int32_t>(ClockCells));
+    for (int32_t i = 0; i < n; ++i) {
+        const Playhead* p = playheads[i];
+        if (p->running) {
+            const double q = static_cast<int32_t>(p->position * 5) / p->stepMs;
+            clockBeats[i] = static_cast<int32_t>(q) % 4 + 1;
+            clockMeasures[i] = 1 - static_cast<int32_t>(q * -0.25);
+        } else {
+            clockBeats[i] = 0;
+            clockMeasures[i] = 0;
+        }
+        clockIds[i] = p->id;
+    }
+    if (clockDisplay != nullptr)
+        clockDisplay->Update(clockMeasures, clockBeats, clockIds, n);
+}

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "engine/Playhead.h"
+#include "song/PlayPoint.h"
+
+#include <cstdint>
+
+class PlayPointList;
+class SequencerRow;
+class SoundBuffer;
+
+// Tick arithmetic. All in doubles, truncated toward zero to 32 bits.
+namespace TimeUnits {
+// Event tick of a point when a pattern is compiled or the tempo changes.
+inline int32_t CompiledTick(int32_t time, double stepMs) {
+    return static_cast<int32_t>(time * (stepMs * 0.003125));
+}
+// Event tick of a point added or changed while its pattern plays.
+inline int32_t LiveTick(int32_t time, int32_t lengthTicks, int32_t lengthUnits) {
+    return static_cast<int32_t>(static_cast<double>(lengthTicks) / lengthUnits * time);
+}
+// Pattern length in ticks when a pattern is compiled.
+inline int32_t CompiledLength(int32_t lengthUnits, double stepMs) {
+    return static_cast<int32_t>((stepMs * 0.003125) * lengthUnits);
+}
+// Pattern length in ticks at a tempo change: the step is first rounded to
+// whole ticks, so this can come out shorter than the compiled length.
+inline int32_t TempoLength(int32_t lengthUnits, double stepMs) {
+    return static_cast<int32_t>(lengthUnits * 0.015625 * static_cast<int32_t>(stepMs * 0.2));
+}
+} // namespace TimeUnits
+
+// The playing pattern of one instrument, compiled into two parallel arrays of
+// tick numbers and play points, with the walker over them. Every operation
+// runs with the engine lock held, on the GUI thread or in the tick.
+//
+// Arrays are reused: a commit swaps the current and staged arrays, so after
+// the first compiles a pattern switch in the tick allocates nothing unless a
+// pattern is larger than any before. No array is freed or moved while a tick
+// reads it, since both sides hold the engine lock.
+class Schedule {
+  public:
+    static constexpr int32_t Spare = 20;
+    static constexpr int32_t Growth = 40;
+
+    Schedule();
+    virtual ~Schedule();
+    Schedule(const Schedule&) = delete;
+    Schedule& operator=(const Schedule&) = delete;
+
+    Playhead* GetPlayhead() { return &playhead; }
+    void AttachSequencer(SequencerRow* row);
+    void DetachSequencer() { syncEnabled = 0; }
+    void SetClockId(int32_t id) { playhead.id = id; }
+    void SetTempo(double newStepMs);
+    void SetLineTable(SoundBuffer*** samples, int8_t* counts);
+    void StagePattern(const PlayPointList& list);
+    void CommitPattern(uint8_t mode, int32_t position);
+    void Stop() { playhead.running = 0; }
+    void InsertPoint(PlayPoint p);
+    void ReplacePoint(PlayPoint p);
+    void RemovePoint(PlayPoint p);
+    void RemovePoints(const PlayPoint* sorted, int32_t n);
+    void LineRemoved(int32_t line);
+    // Audio thread (from the playhead): one tick before the pattern wraps.
+    void NotifyPatternEnding();
+
+    uint8_t syncEnabled = 0;
+    SequencerRow* sequencer = nullptr;
+    int32_t stagedCount = 0;
+    int32_t stagedLengthUnits = 0;
+    double stepMs = 500.0;
+    int32_t lengthUnits = 1024;
+    int8_t* lineSampleCounts;
+    SoundBuffer*** lineSamples;
+    int32_t capacity = 100;
+    int32_t count = 0;
+    int32_t lengthTicks = 1600;
+    int32_t index = 0;
+    int32_t staged = 0;
+    int32_t* stagedTicks = nullptr;
+    PlayPoint* stagedEvents = nullptr;
+    int32_t* ticks;
+    PlayPoint* events;
+    Playhead playhead;
+
+  private:
+    int32_t FindPoint(PlayPoint p, int32_t from) const;
+    void InsertAt(int32_t i, PlayPoint p, int32_t tick);
+    void RemoveAt(int32_t i);
+    void EndEdit();
+
+    // Entries actually allocated; capacity is the logical room the walker
+    // and the growth rule see, and never exceeds these.
+    int32_t allocated;
+    int32_t stagedAllocated = 0;
+
+    // The table a schedule has before its instrument loads samples: four
+    // lines without samples.
+    int8_t defaultCounts[4] = {};
+    SoundBuffer* defaultSamples[4][1] = {};
+    SoundBuffer** defaultTable[4];
+};
