@@ -5,4 +5,10 @@ set(CORE_SOURCES
     engine/Playhead.cpp
     engine/Engine.cpp
     engine/SoundBuffer.cpp
+    engine/Mixer.cpp
+    engine/WaveFile.cpp
+    engine/SoundSystem.cpp
+    engine/AudioCallback.cpp
+    engine/OfflineOutput.cpp
+    engine/RtAudioOutput.cpp
 )

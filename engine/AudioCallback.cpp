@@ -1,0 +1,92 @@
+#include "engine/AudioCallback.h"
+
+#include "engine/Engine.h"
+#include "engine/EngineLock.h"
+#include "engine/Mixer.h"
+
+#include <chrono>
+
+namespace {
+
+// Audio thread, engine lock held.
+void RunEngineTick(void* engine) {
+    static_cast<Engine*>(engine)->OnTimer();
+}
+
+// Audio thread: a no-op tick for a callback without an engine.
+void NoTick(void*) {}
+
+inline void CpuRelax() {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#endif
+}
+
+} // namespace
+
+AudioCallback::AudioCallback(Engine* engine, Mixer& m)
+    : tick(engine != nullptr ? RunEngineTick : NoTick), context(engine), mixer(m) {}
+
+AudioCallback::AudioCallback(TickFunction t, void* c, Mixer& m) : tick(t), context(c), mixer(m) {}
+
+void AudioCallback::Prepare(int32_t sampleRate) {
+    rate = sampleRate;
+    frame = 0;
+    nextTick = 0;
+    nextBoundary = 0;
+    dueTicks = 0;
+    ticksRun.store(0, std::memory_order_relaxed);
+    lateTicks.store(0, std::memory_order_relaxed);
+    framesRendered.store(0, std::memory_order_relaxed);
+    mixer.SetOutputRate(sampleRate);
+}
+
+// Audio thread: try_lock, retried with a pause for at most LockRetryNanoseconds.
+// The GUI thread keeps the lock for microseconds, so a retry of that length
+// turns nearly every collision into a tick on time; it never blocks.
+bool AudioCallback::TryLock() {
+    if (theEngineLock.try_lock())
+        return true;
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point until = Clock::now() + std::chrono::nanoseconds(LockRetryNanoseconds);
+    do {
+        for (int i = 0; i < 16; ++i)
+            CpuRelax();
+        if (theEngineLock.try_lock())
+            return true;
+    } while (Clock::now() < until);
+    return false;
+}
+
+// Audio thread: runs every due tick under the engine lock, or none if the lock
+// cannot be had; they then run at the next boundary.
+void AudioCallback::RunDueTicks() {
+    if (!TryLock())
+        return;
+    for (int32_t i = 0; i < dueTicks; ++i)
+        tick(context);
+    theEngineLock.unlock();
+    ticksRun.fetch_add(dueTicks, std::memory_order_relaxed);
+    lateTicks.fetch_add(dueTicks - 1, std::memory_order_relaxed);
+    dueTicks = 0;
+}
+
+void AudioCallback::Render(float* out, int32_t frames) {
+    int32_t done = 0;
+    while (done < frames) {
+        if (frame == nextBoundary) {
+            ++dueTicks;
+            ++nextTick;
+            nextBoundary = TickFrame(nextTick, rate);
+            RunDueTicks();
+        }
+        mixer.ApplyCommands();
+        const int64_t left = frames - done;
+        const int32_t n =
+            static_cast<int32_t>(nextBoundary - frame < left ? nextBoundary - frame : left);
+        mixer.Mix(out + 2 * static_cast<int64_t>(done), n);
+        done += n;
+        frame += n;
+    }
+    framesRendered.fetch_add(static_cast<uint64_t>(frames), std::memory_order_relaxed);
+}

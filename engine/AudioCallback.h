@@ -1,0 +1,68 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+class Engine;
+class Mixer;
+
+// The program's sound, frame by frame: the 5 ms tick on the device's frame
+// counter, then the mixer. Every output (the device, or tests pulling by hand)
+// calls Render with its buffers, so all of them run the same code.
+//
+// Render cuts each buffer into slices that end on tick boundaries. At each
+// boundary it takes the engine lock with try_lock and runs the tick; a tick
+// that cannot take it runs at the next boundary together with the new one:
+// late, never lost, and counted. Then the mixer applies its commands and
+// mixes the slice, so a tick's notes start on the tick's own frame.
+class AudioCallback {
+  public:
+    using TickFunction = void (*)(void* context);
+    static constexpr int32_t TicksPerSecond = 200;
+    // How long one boundary keeps retrying try_lock while the GUI thread holds
+    // the lock for one of its microsecond-long operations. Bounded, never
+    // blocking: after it the tick is late instead.
+    static constexpr int64_t LockRetryNanoseconds = 20000;
+
+    // engine may be null: then no tick runs and only the mixer sounds.
+    AudioCallback(Engine* engine, Mixer& mixer);
+    // Runs tick(context) at each boundary instead of an engine's tick.
+    AudioCallback(TickFunction tick, void* context, Mixer& mixer);
+
+    // Before the output starts pulling (any thread): the device's rate. The
+    // clock starts again at frame 0, where tick 0 stands.
+    void Prepare(int32_t sampleRate);
+
+    // Audio thread: fills frames of float stereo, interleaved. No waits, no
+    // allocation, no I/O.
+    void Render(float* out, int32_t frames);
+
+    // The frame at which tick n begins: floor(n x rate / 200).
+    static int64_t TickFrame(int64_t tick, int32_t rate) { return tick * rate / TicksPerSecond; }
+
+    int32_t SampleRate() const { return rate; }
+
+    // Any thread: counters since Prepare.
+    uint64_t TicksRun() const { return ticksRun.load(std::memory_order_relaxed); }
+    uint64_t LateTicks() const { return lateTicks.load(std::memory_order_relaxed); }
+    uint64_t FramesRendered() const { return framesRendered.load(std::memory_order_relaxed); }
+
+  private:
+    void RunDueTicks();
+    bool TryLock();
+
+    TickFunction tick;
+    void* context;
+    Mixer& mixer;
+
+    // Audio thread only, after Prepare.
+    int32_t rate = 48000;
+    int64_t frame = 0;        // frames rendered since Prepare
+    int64_t nextTick = 0;     // the tick whose boundary comes next
+    int64_t nextBoundary = 0; // its frame
+    int32_t dueTicks = 0;     // ticks whose boundary passed and that have not run
+
+    std::atomic<uint64_t> ticksRun{0};
+    std::atomic<uint64_t> lateTicks{0};
+    std::atomic<uint64_t> framesRendered{0};
+};

@@ -1,0 +1,202 @@
+#include "engine/WaveFile.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <fstream>
+#include <vector>
+
+namespace {
+
+constexpr uint16_t FormatPcm = 1;
+constexpr uint16_t FormatFloat = 3;
+constexpr uint16_t FormatExtensible = 0xFFFE;
+// The 12 bytes that follow the format tag in the sub-format GUID of an
+// extensible format chunk, for the plain PCM and float sub-formats.
+constexpr unsigned char GuidTail[12] = {0x00, 0x00, 0x10, 0x00, 0x80, 0x00,
+                                        0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
+// Frames decoded per read; the scratch stays well inside the cache.
+constexpr uint32_t FramesPerRead = 32768;
+
+uint16_t U16(const unsigned char* p) {
+    return static_cast<uint16_t>(p[0] | p[1] << 8);
+}
+uint32_t U32(const unsigned char* p) {
+    return p[0] | p[1] << 8 | p[2] << 16 | static_cast<uint32_t>(p[3]) << 24;
+}
+
+bool ReadExact(std::ifstream& in, void* to, std::size_t n) {
+    in.read(static_cast<char*>(to), static_cast<std::streamsize>(n));
+    return in.gcount() == static_cast<std::streamsize>(n);
+}
+
+// Reads the next chunk header. False at the end of the file.
+bool NextChunk(std::ifstream& in, char id[4], uint32_t& size) {
+    unsigned char header[8];
+    if (!ReadExact(in, header, 8))
+        return false;
+    std::memcpy(id, header, 4);
+    size = U32(header + 4);
+    return true;
+}
+
+// Passes over a chunk's body and its pad byte (chunks start on even offsets).
+void SkipChunk(std::ifstream& in, uint32_t size) {
+    in.seekg(static_cast<std::streamoff>(size) + (size & 1), std::ios::cur);
+}
+
+WaveStatus ParseFormat(const unsigned char* f, uint32_t size, WaveFormat& format) {
+    uint16_t tag = U16(f);
+    const int32_t channels = U16(f + 2);
+    const uint32_t rate = U32(f + 4);
+    const int32_t blockAlign = U16(f + 12);
+    const int32_t bits = U16(f + 14);
+    if (tag == FormatExtensible) {
+        if (size < 40 || U16(f + 16) < 22 || std::memcmp(f + 28, GuidTail, 12) != 0 ||
+            U16(f + 26) != 0)
+            return WaveStatus::Unsupported;
+        tag = U16(f + 24);
+    }
+    const bool pcm = tag == FormatPcm && (bits == 8 || bits == 16 || bits == 24 || bits == 32);
+    const bool ieee = tag == FormatFloat && bits == 32;
+    if (!pcm && !ieee)
+        return WaveStatus::Unsupported;
+    if (channels < 1 || channels > 2)
+        return WaveStatus::Unsupported;
+    // Rates above this are refused: the mixer's rate arithmetic stops there.
+    if (rate < 1 || rate > 1000000)
+        return WaveStatus::Unsupported;
+    if (blockAlign != channels * bits / 8)
+        return WaveStatus::Unsupported;
+    format.channels = channels;
+    format.rate = static_cast<int32_t>(rate);
+    format.blockAlign = blockAlign;
+    format.bitsPerSample = bits;
+    format.isFloat = ieee;
+    return WaveStatus::Ok;
+}
+
+// Reads chunks up to and including "fmt ". Chunks before it are passed over;
+// sample data before the format cannot be read and refuses the file.
+WaveStatus ReadFormat(std::ifstream& in, WaveFormat& format) {
+    char id[4];
+    uint32_t size;
+    while (NextChunk(in, id, size)) {
+        if (std::memcmp(id, "data", 4) == 0)
+            return WaveStatus::NoFormat;
+        if (std::memcmp(id, "fmt ", 4) != 0) {
+            SkipChunk(in, size);
+            continue;
+        }
+        if (size < 16)
+            return WaveStatus::NoFormat;
+        unsigned char body[40] = {};
+        const uint32_t taken = std::min<uint32_t>(size, sizeof body);
+        if (!ReadExact(in, body, taken))
+            return WaveStatus::NoFormat;
+        in.seekg(static_cast<std::streamoff>(size - taken) + (size & 1), std::ios::cur);
+        return ParseFormat(body, size, format);
+    }
+    return WaveStatus::NoFormat;
+}
+
+void Decode(const unsigned char* from, float* to, std::size_t n, const WaveFormat& f) {
+    switch (f.bitsPerSample) {
+    case 8:
+        for (std::size_t i = 0; i < n; ++i)
+            to[i] = static_cast<float>(static_cast<int32_t>(from[i]) - 128) * (1.0f / 128.0f);
+        return;
+    case 16:
+        for (std::size_t i = 0; i < n; ++i) {
+            int16_t v;
+            std::memcpy(&v, from + 2 * i, 2);
+            to[i] = static_cast<float>(v) * (1.0f / 32768.0f);
+        }
+        return;
+    case 24:
+        for (std::size_t i = 0; i < n; ++i) {
+            const unsigned char* p = from + 3 * i;
+            const int32_t v = static_cast<int32_t>(static_cast<uint32_t>(p[0]) << 8 |
+                                                   static_cast<uint32_t>(p[1]) << 16 |
+                                                   static_cast<uint32_t>(p[2]) << 24);
+            to[i] = static_cast<float>(v) * 0x1p-31f;
+        }
+        return;
+    default:
+        if (f.isFloat) {
+            std::memcpy(to, from, 4 * n);
+            return;
+        }
+        for (std::size_t i = 0; i < n; ++i) {
+            int32_t v;
+            std::memcpy(&v, from + 4 * i, 4);
+            to[i] = static_cast<float>(v) * 0x1p-31f;
+        }
+        return;
+    }
+}
+
+// Reads the "data" chunk's size bytes and decodes its whole frames.
+WaveStatus ReadData(std::ifstream& in, uint32_t size, WaveFile& wave) {
+    const WaveFormat& f = wave.format;
+    const uint32_t frames = size / f.blockAlign;
+    if (frames > static_cast<uint32_t>(INT32_MAX - SampleData::PadFrames))
+        return WaveStatus::OutOfMemory;
+    try {
+        wave.sample = std::make_unique<SampleData>(static_cast<int32_t>(frames), f.channels, f.rate,
+                                                   f.blockAlign);
+        std::vector<unsigned char> scratch(static_cast<std::size_t>(FramesPerRead) * f.blockAlign);
+        float* to = wave.sample->samples;
+        for (uint32_t done = 0; done < frames;) {
+            const uint32_t n = std::min(FramesPerRead, frames - done);
+            if (!ReadExact(in, scratch.data(), static_cast<std::size_t>(n) * f.blockAlign))
+                return WaveStatus::ShortData;
+            Decode(scratch.data(), to, static_cast<std::size_t>(n) * f.channels, f);
+            to += static_cast<std::size_t>(n) * f.channels;
+            done += n;
+        }
+        // A part frame at the end is not heard, but the file must hold it.
+        const uint32_t tail = size - frames * f.blockAlign;
+        if (tail != 0 && !ReadExact(in, scratch.data(), tail))
+            return WaveStatus::ShortData;
+    } catch (const std::bad_alloc&) {
+        wave.sample.reset();
+        return WaveStatus::OutOfMemory;
+    }
+    wave.dataSize = size;
+    return WaveStatus::Ok;
+}
+
+} // namespace
+
+int32_t WaveFile::LengthMs() const {
+    const double bitsPerSecond =
+        static_cast<double>(format.bitsPerSample) * format.channels * format.rate;
+    return static_cast<int32_t>(static_cast<double>(dataSize) * 8.0 / bitsPerSecond * 1000.0);
+}
+
+WaveStatus ReadWave(const std::string& path, WaveFile& wave) {
+    wave = WaveFile{};
+    std::ifstream in(path, std::ios::binary);
+    if (!in.is_open())
+        return WaveStatus::Missing;
+    unsigned char riff[12];
+    if (!ReadExact(in, riff, 12) || std::memcmp(riff, "RIFF", 4) != 0 ||
+        std::memcmp(riff + 8, "WAVE", 4) != 0)
+        return WaveStatus::NotWave;
+    WaveStatus status = ReadFormat(in, wave.format);
+    if (status != WaveStatus::Ok)
+        return status;
+    char id[4];
+    uint32_t size;
+    while (NextChunk(in, id, size)) {
+        if (std::memcmp(id, "data", 4) == 0) {
+            status = ReadData(in, size, wave);
+            if (status != WaveStatus::Ok)
+                wave.sample.reset();
+            return status;
+        }
+        SkipChunk(in, size);
+    }
+    return WaveStatus::NoData;
+}
