@@ -1,0 +1,320 @@
+#include "SoundTestKit.h"
+
+#include "engine/Mixer.h"
+#include "engine/SoundBuffer.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+using namespace SoundTestKit;
+
+namespace {
+
+// ---- What SoundBuffer::Play sends ----------------------------------------
+
+struct PlayCase {
+    int16_t noteVolume;
+    double volumeFraction;
+    int16_t notePan;
+    double linePan;
+    int32_t expectedVolume; // value of the SetVolume sent, or 1 for none
+    int32_t expectedPan;    // value of the SetPan sent, or 1 for none
+};
+
+class PlaySends : public ::testing::TestWithParam<PlayCase> {};
+
+TEST_P(PlaySends, VolumeAndPanBeforeStartThenPosition) {
+    const PlayCase c = GetParam();
+    MixerCommandQueue queue;
+    SoundBuffer buffer(nullptr);
+    buffer.SetLoaded(3, &queue, "s", "s.wav", 1000, 44100, 176400);
+    buffer.MarkReady();
+    buffer.volumeFraction = c.volumeFraction;
+    buffer.linePan = c.linePan;
+    PlayPoint p{};
+    p.volume = c.noteVolume;
+    p.pan = c.notePan;
+    buffer.Play(p);
+
+    std::vector<MixerCommand> sent;
+    MixerCommand m;
+    while (queue.Pop(m))
+        sent.push_back(m);
+    std::vector<uint8_t> kinds;
+    for (const MixerCommand& s : sent) {
+        kinds.push_back(s.kind);
+        EXPECT_EQ(s.voice, 3);
+        if (s.kind == MixerCommand::SetVolume) {
+            EXPECT_EQ(s.value, c.expectedVolume);
+        }
+        if (s.kind == MixerCommand::SetPan) {
+            EXPECT_EQ(s.value, c.expectedPan);
+        }
+    }
+    std::vector<uint8_t> order;
+    if (c.expectedVolume != 1)
+        order.push_back(MixerCommand::SetVolume);
+    if (c.expectedPan != 1)
+        order.push_back(MixerCommand::SetPan);
+    order.push_back(MixerCommand::Play);
+    order.push_back(MixerCommand::SetPosition);
+    EXPECT_EQ(kinds, order);
+    EXPECT_EQ(buffer.lastVolume, c.expectedVolume == 1 ? 0 : c.expectedVolume);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Numbers, PlaySends,
+    ::testing::Values(PlayCase{0, 1.0, 0, 0.0, 1, 1},            // nothing changed since start
+                      PlayCase{0, 0.5, 0, 0.0, -5000, 1},        // half the fraction: -50 dB
+                      PlayCase{-2000, 0.5, 0, 0.0, -6000, 1},    // note and line together
+                      PlayCase{-3000, 0.0, 0, 0.0, -10000, 1},   // muted line still plays
+                      PlayCase{0, 1.0, 5000, 0.75, 1, 10000},    // 12500 sent as 10000
+                      PlayCase{0, 1.0, -5000, -0.75, 1, -10000}, // and on the other side
+                      PlayCase{0, 1.0, 2000, -0.5, 1, -3000}));
+
+TEST(PlaySends, UnchangedVolumeAndPanAreNotSentAgain) {
+    MixerCommandQueue queue;
+    SoundBuffer buffer(nullptr);
+    buffer.SetLoaded(0, &queue, "s", "s.wav", 1000, 44100, 176400);
+    buffer.MarkReady();
+    PlayPoint p{};
+    p.volume = -700;
+    p.pan = 300;
+    buffer.Play(p);
+    buffer.Play(p);
+    int count = 0;
+    MixerCommand m;
+    while (queue.Pop(m))
+        ++count;
+    EXPECT_EQ(count, 4 + 2);
+}
+
+TEST(PlaySends, ToeInIsLimitedToTheSampleLength) {
+    MixerCommandQueue queue;
+    SoundBuffer buffer(nullptr);
+    buffer.SetLoaded(0, &queue, "s", "s.wav", 120, 44100, 176400);
+    buffer.MarkReady();
+    buffer.lineToeIn = 100;
+    PlayPoint p{};
+    p.toeIn = 50;
+    buffer.Play(p);
+    MixerCommand m, last{};
+    while (queue.Pop(m))
+        last = m;
+    EXPECT_EQ(last.kind, MixerCommand::SetPosition);
+    EXPECT_EQ(last.value, 176 * 120);
+}
+
+TEST(PlaySends, NothingBeforeTheLoadHasFinished) {
+    MixerCommandQueue queue;
+    SoundBuffer buffer(nullptr);
+    buffer.SetLoaded(0, &queue, "s", "s.wav", 120, 44100, 176400);
+    EXPECT_FALSE(buffer.Play(PlayPoint{}));
+    EXPECT_TRUE(queue.Empty());
+}
+
+// ---- Gain and pan law on rendered frames ---------------------------------
+
+struct GainCase {
+    int32_t volume;
+    int32_t pan;
+    double left;
+    double right;
+};
+
+class GainLaw : public ::testing::TestWithParam<GainCase> {};
+
+TEST_P(GainLaw, RenderedFramesCarryTheGains) {
+    const GainCase c = GetParam();
+    Mixer mixer;
+    mixer.SetOutputRate(44100);
+    const int32_t v = mixer.Attach(Constant(64, 0.5f, -0.25f));
+    Send(mixer, MixerCommand::SetVolume, v, c.volume);
+    Send(mixer, MixerCommand::SetPan, v, c.pan);
+    Send(mixer, MixerCommand::Play, v);
+    const std::vector<float> out = Render(mixer, 16);
+    for (int i = 0; i < 16; ++i) {
+        EXPECT_NEAR(out[2 * i], 0.5 * c.left, 1e-6) << "frame " << i;
+        EXPECT_NEAR(out[2 * i + 1], -0.25 * c.right, 1e-6) << "frame " << i;
+    }
+    EXPECT_TRUE(mixer.VoiceAt(v)->playing) << "a silent voice still runs";
+}
+
+const double Minus6dB = std::pow(10.0, -0.3);
+
+INSTANTIATE_TEST_SUITE_P(
+    Law, GainLaw,
+    ::testing::Values(GainCase{0, 0, 1.0, 1.0}, GainCase{-600, 0, Minus6dB, Minus6dB},
+                      GainCase{-2000, 0, 0.1, 0.1}, GainCase{-5000, 0, 0.00316228, 0.00316228},
+                      GainCase{-10000, 0, 0.0, 0.0},    // the floor is silence
+                      GainCase{0, -600, 1.0, Minus6dB}, // negative: the right side drops
+                      GainCase{0, 600, Minus6dB, 1.0},  // positive: the left side drops
+                      GainCase{0, -10000, 1.0, 0.0}, GainCase{0, 10000, 0.0, 1.0},
+                      GainCase{-2000, 2000, 0.01, 0.1}));
+
+TEST(GainLaw, OutOfRangeValuesFailAndChangeNothing) {
+    Mixer mixer;
+    mixer.SetOutputRate(44100);
+    const int32_t v = mixer.Attach(Constant(64, 1.0f, 1.0f));
+    Send(mixer, MixerCommand::SetVolume, v, -2000);
+    Send(mixer, MixerCommand::SetVolume, v, 10);
+    Send(mixer, MixerCommand::SetVolume, v, -10001);
+    Send(mixer, MixerCommand::SetPan, v, 10001);
+    Send(mixer, MixerCommand::Play, v);
+    const std::vector<float> out = Render(mixer, 1);
+    EXPECT_NEAR(out[0], 0.1, 1e-6);
+    EXPECT_NEAR(out[1], 0.1, 1e-6);
+}
+
+// ---- Playback rate --------------------------------------------------------
+
+struct RateCase {
+    int32_t sampleRate;
+    int32_t outputRate;
+    int32_t frequency; // 0: the sample's own
+    int32_t expectedFrames;
+};
+
+class Rate : public ::testing::TestWithParam<RateCase> {};
+
+TEST_P(Rate, ASampleLastsItsFramesScaledByTheRates) {
+    const RateCase c = GetParam();
+    Mixer mixer;
+    mixer.SetOutputRate(c.outputRate);
+    const int32_t v = mixer.Attach(Mono(std::vector<float>(1000, 1.0f), c.sampleRate));
+    Send(mixer, MixerCommand::SetFrequency, v, c.frequency);
+    Send(mixer, MixerCommand::Play, v);
+    EXPECT_EQ(SoundingFrames(Render(mixer, 4000)), c.expectedFrames);
+    EXPECT_FALSE(mixer.VoiceAt(v)->playing) << "no looping";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rates, Rate,
+    ::testing::Values(RateCase{22050, 44100, 0, 2000}, RateCase{44100, 44100, 0, 1000},
+                      RateCase{44100, 44100, 22050, 2000}, RateCase{44100, 44100, 88200, 500},
+                      RateCase{44100, 48000, 0, 1089}, RateCase{96000, 48000, 0, 500},
+                      RateCase{44100, 44100, 50, 1000})); // refused
+
+TEST(Rate, InterpolatesLinearlyBetweenFrames) {
+    Mixer mixer;
+    mixer.SetOutputRate(44100);
+    const int32_t v = mixer.Attach(Mono({0.0f, 1.0f, 0.5f}, 11025));
+    Send(mixer, MixerCommand::Play, v);
+    const std::vector<float> out = Render(mixer, 13);
+    const float expected[13] = {0.0f,   0.25f, 0.5f,   0.75f, 1.0f,   0.875f, 0.75f,
+                                0.625f, 0.5f,  0.375f, 0.25f, 0.125f, 0.0f};
+    for (int i = 0; i < 13; ++i)
+        EXPECT_FLOAT_EQ(out[2 * i], expected[i]) << "frame " << i;
+}
+
+TEST(Rate, FrequencyZeroReturnsToTheSamplesOwnRate) {
+    Mixer mixer;
+    mixer.SetOutputRate(44100);
+    const int32_t v = mixer.Attach(Mono(std::vector<float>(1000, 1.0f), 44100));
+    Send(mixer, MixerCommand::SetFrequency, v, 22050);
+    Send(mixer, MixerCommand::SetFrequency, v, 0);
+    Send(mixer, MixerCommand::Play, v);
+    EXPECT_EQ(SoundingFrames(Render(mixer, 4000)), 1000);
+}
+
+// ---- Start position, retrigger ---------------------------------------------
+
+struct PositionCase {
+    int32_t bytes;
+    int32_t firstFrame; // the frame heard first, -1 when the call fails
+};
+
+class StartPosition : public ::testing::TestWithParam<PositionCase> {};
+
+TEST_P(StartPosition, ByteOffsetRoundsDownToAWholeFrame) {
+    const PositionCase c = GetParam();
+    Mixer mixer;
+    mixer.SetOutputRate(44100);
+    const int32_t v = mixer.Attach(Ramp(500)); // mono 16-bit: 2 bytes a frame
+    Send(mixer, MixerCommand::Play, v);
+    Render(mixer, 40); // the voice stands at frame 40
+    Send(mixer, MixerCommand::Play, v);
+    Send(mixer, MixerCommand::SetPosition, v, c.bytes);
+    const std::vector<float> out = Render(mixer, 2);
+    const int32_t heard = c.firstFrame >= 0 ? c.firstFrame : 40;
+    EXPECT_EQ(out[0], static_cast<float>(heard));
+    EXPECT_EQ(out[2], static_cast<float>(heard + 1));
+}
+
+INSTANTIATE_TEST_SUITE_P(Positions, StartPosition,
+                         ::testing::Values(PositionCase{0, 0}, PositionCase{200, 100},
+                                           PositionCase{201, 100}, PositionCase{996, 498},
+                                           PositionCase{1000, -1}, // beyond: goes on
+                                           PositionCase{-2, -1}));
+
+TEST(Retrigger, RestartsAndCutsTheNoteBefore) {
+    Mixer mixer;
+    mixer.SetOutputRate(44100);
+    const int32_t v = mixer.Attach(Ramp(500));
+    Send(mixer, MixerCommand::Play, v);
+    Render(mixer, 100);
+    Send(mixer, MixerCommand::Play, v);
+    Send(mixer, MixerCommand::SetPosition, v, 20); // toe-in of 10 frames
+    const std::vector<float> out = Render(mixer, 3);
+    EXPECT_EQ(out[0], 10.0f) << "only the new note sounds, nothing of frame 100";
+    EXPECT_EQ(out[2], 11.0f);
+}
+
+TEST(Retrigger, AnEndedVoiceStartsFromTheBeginningAgain) {
+    Mixer mixer;
+    mixer.SetOutputRate(44100);
+    const int32_t v = mixer.Attach(Ramp(10));
+    Send(mixer, MixerCommand::SetVolume, v, -600);
+    Send(mixer, MixerCommand::Play, v);
+    Render(mixer, 50);
+    EXPECT_FALSE(mixer.VoiceAt(v)->playing);
+    Send(mixer, MixerCommand::Play, v);
+    const std::vector<float> out = Render(mixer, 20);
+    EXPECT_EQ(SoundingFrames(out), 9) << "frame 0 holds 0";
+    EXPECT_NEAR(out[2], std::pow(10.0, -0.3), 1e-6) << "the volume stays with the voice";
+}
+
+// ---- Voices, table growth and freeing --------------------------------------
+
+TEST(Voices, TheTableGrowsWhileEveryVoiceKeepsItsState) {
+    Mixer mixer;
+    mixer.SetOutputRate(44100);
+    std::vector<int32_t> voices;
+    for (int i = 0; i < Mixer::TableStep; ++i) {
+        voices.push_back(mixer.Attach(Constant(1000, 0.001f, 0.001f)));
+        Send(mixer, MixerCommand::Play, voices.back());
+    }
+    Render(mixer, 10);
+    for (int i = 0; i < 2 * Mixer::TableStep + 5; ++i) {
+        voices.push_back(mixer.Attach(Constant(1000, 0.001f, 0.001f)));
+        Send(mixer, MixerCommand::Play, voices.back());
+    }
+    const std::vector<float> out = Render(mixer, 1);
+    EXPECT_EQ(mixer.SoundingVoices(), 3 * Mixer::TableStep + 5);
+    EXPECT_NEAR(out[0], 0.001 * (3 * Mixer::TableStep + 5), 1e-4);
+    mixer.Collect(); // frees the replaced tables
+    EXPECT_EQ(mixer.VoiceAt(voices.back())->position >> 32, 1u);
+    EXPECT_EQ(mixer.VoiceAt(voices.front())->position >> 32, 11u);
+}
+
+TEST(Voices, AReleasedVoiceIsFreedAndGivenOutAgain) {
+    Mixer mixer;
+    mixer.SetOutputRate(44100);
+    MixerCommandQueue* q = mixer.Commands();
+    const int32_t first = mixer.Attach(Constant(100, 1.0f, 1.0f));
+    const int32_t second = mixer.Attach(Constant(100, 1.0f, 1.0f));
+    {
+        SoundBuffer buffer(nullptr);
+        buffer.SetLoaded(first, q, "s", "s.wav", 2, 44100, 176400);
+        buffer.MarkReady();
+        buffer.Play(PlayPoint{});
+    } // the buffer's end releases its voice
+    Send(mixer, MixerCommand::Play, second);
+    EXPECT_EQ(SoundingFrames(Render(mixer, 10)), 10);
+    EXPECT_EQ(mixer.SoundingVoices(), 1) << "only the second voice sounds";
+    EXPECT_EQ(mixer.Attach(Constant(5, 0.0f, 0.0f)), first) << "freed once the mixer let go";
+}
+
+} // namespace
