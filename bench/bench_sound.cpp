@@ -1,9 +1,12 @@
 // Costs of the sound path: mixing voices, loading wave files, and how often a
 // tick runs late while another thread keeps taking the engine lock.
 #include "engine/AudioCallback.h"
+#include "engine/Engine.h"
 #include "engine/EngineLock.h"
 #include "engine/Mixer.h"
 #include "engine/OfflineOutput.h"
+#include "engine/Schedule.h"
+#include "engine/SoundBuffer.h"
 #include "engine/WaveFile.h"
 #include "song/PlayPointList.h"
 
@@ -83,5 +86,122 @@ void BM_Mix(benchmark::State& state) {
     state.counters["core_percent"] = 100.0 * perPeriod / (static_cast<double>(Period) / OutputRate);
 }
 BENCHMARK(BM_Mix)->Arg(64)->Arg(256);
+
+// ---- Wave loading from the page cache --------------------------------------
+
+// A stereo wave file of the given sample size with 64 MB of data, written once
+// and read once so that the timed reads come from the page cache.
+std::string CachedWave(int bits) {
+    const std::string path = "/tmp/oxbench-" + std::to_string(static_cast<long>(getpid())) + "-" +
+                             std::to_string(bits) + ".wav";
+    const uint32_t dataBytes = 64u << 20;
+    const uint16_t align = static_cast<uint16_t>(2 * bits / 8);
+    const uint32_t rate = 48000;
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    auto put = [&](uint32_t v, int n) {
+        for (int i = 0; i < n; ++i)
+            out.put(static_cast<char>(v >> (8 * i)));
+    };
+    out.write("RIFF", 4);
+    put(36 + dataBytes, 4);
+    out.write("WAVEfmt ", 8);
+    put(16, 4);
+    put(1, 2);
+    put(2, 2);
+    put(rate, 4);
+    put(rate * align, 4);
+    put(align, 2);
+    put(static_cast<uint32_t>(bits), 2);
+    out.write("data", 4);
+    put(dataBytes, 4);
+    std::vector<char> block(1 << 20);
+    std::mt19937 random(3);
+    for (char& c : block)
+        c = static_cast<char>(random());
+    for (uint32_t done = 0; done < dataBytes; done += block.size())
+        out.write(block.data(), static_cast<std::streamsize>(block.size()));
+    out.close();
+    WaveFile warm;
+    ReadWave(path, warm);
+    return path;
+}
+
+// Reading and decoding a whole file, in bytes of file per second.
+void BM_LoadWave(benchmark::State& state) {
+    const std::string path = CachedWave(static_cast<int>(state.range(0)));
+    int64_t bytes = 0;
+    for (auto _ : state) {
+        WaveFile wave;
+        if (ReadWave(path, wave) != WaveStatus::Ok) {
+            state.SkipWithError("the wave file did not load");
+            break;
+        }
+        bytes += wave.dataSize;
+        benchmark::DoNotOptimize(wave.sample->samples);
+    }
+    state.SetBytesProcessed(bytes);
+    std::remove(path.c_str());
+}
+BENCHMARK(BM_LoadWave)->Arg(16)->Arg(24)->Unit(benchmark::kMillisecond);
+
+// ---- Late ticks under a busy GUI thread -------------------------------------
+
+// Another thread takes the engine lock in a tight loop, each time for one
+// short model operation (a note added to and taken from a 200-note list),
+// while the audio thread renders periods as fast as it can: four running
+// instruments and 64 sounding voices. Reports the share of ticks that could
+// not run on their own boundary.
+void BM_LateTicksUnderLockContention(benchmark::State& state) {
+    MixSetup setup(64);
+    Engine engine;
+    std::vector<std::unique_ptr<Schedule>> schedules;
+    PlayPointList pattern(512);
+    for (int32_t t = 0; t < 512; t += 16) {
+        PlayPoint p{};
+        p.time = t;
+        pattern.Insert(p);
+    }
+    for (int i = 0; i < 4; ++i) {
+        schedules.push_back(std::make_unique<Schedule>());
+        schedules.back()->StagePattern(pattern);
+        schedules.back()->CommitPattern(1, 0);
+        engine.AddPlayhead(schedules.back()->GetPlayhead());
+    }
+    AudioCallback callback(&engine, setup.mixer);
+    OfflineOutput output(OutputRate, Period);
+    output.Start(callback);
+
+    std::atomic<bool> stop{false};
+    std::atomic<uint64_t> operations{0};
+    std::thread gui([&] {
+        PlayPointList list(1 << 20);
+        for (int32_t t = 0; t < 200; ++t) {
+            PlayPoint p{};
+            p.time = t * 64;
+            list.Insert(p);
+        }
+        PlayPoint extra{};
+        uint64_t n = 0;
+        while (!stop.load(std::memory_order_relaxed)) {
+            std::lock_guard<std::mutex> hold(theEngineLock);
+            extra.time = static_cast<int32_t>(n % 200) * 64 + 1;
+            list.InsertOrReplace(extra);
+            list.Remove(extra);
+            ++n;
+        }
+        operations = n;
+    });
+    for (auto _ : state) {
+        setup.Retrigger();
+        benchmark::DoNotOptimize(output.PullPeriod());
+    }
+    stop = true;
+    gui.join();
+    const double ticks = static_cast<double>(callback.TicksRun());
+    state.counters["ticks"] = ticks;
+    state.counters["late_percent"] = ticks > 0 ? 100.0 * callback.LateTicks() / ticks : 0.0;
+    state.counters["gui_operations"] = static_cast<double>(operations.load());
+}
+BENCHMARK(BM_LateTicksUnderLockContention)->Iterations(20000)->UseRealTime();
 
 } // namespace

@@ -41,21 +41,29 @@ void AudioCallback::Prepare(int32_t sampleRate) {
     mixer.SetOutputRate(sampleRate);
 }
 
-// Audio thread: try_lock, retried with a pause for at most LockRetryNanoseconds.
-// The GUI thread keeps the lock for microseconds, so a retry of that length
-// turns nearly every collision into a tick on time; it never blocks.
+// Audio thread: try_lock, retried without blocking while the GUI thread
+// finishes what it holds the lock for. The retry stops after
+// LockRetryNanoseconds, or sooner when this buffer's share of retrying is
+// spent, so a lock held for long makes the tick late, never the buffer.
 bool AudioCallback::TryLock() {
     if (theEngineLock.try_lock())
         return true;
+    if (retryBudget <= 0)
+        return false;
     using Clock = std::chrono::steady_clock;
-    const Clock::time_point until = Clock::now() + std::chrono::nanoseconds(LockRetryNanoseconds);
+    const Clock::time_point start = Clock::now();
+    const int64_t allowed = retryBudget < LockRetryNanoseconds ? retryBudget : LockRetryNanoseconds;
+    bool locked = false;
+    int64_t spent = 0;
     do {
-        for (int i = 0; i < 16; ++i)
+        for (int i = 0; i < 16 && !locked; ++i) {
             CpuRelax();
-        if (theEngineLock.try_lock())
-            return true;
-    } while (Clock::now() < until);
-    return false;
+            locked = theEngineLock.try_lock();
+        }
+        spent = std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - start).count();
+    } while (!locked && spent < allowed);
+    retryBudget -= spent;
+    return locked;
 }
 
 // Audio thread: runs every due tick under the engine lock, or none if the lock
@@ -72,6 +80,7 @@ void AudioCallback::RunDueTicks() {
 }
 
 void AudioCallback::Render(float* out, int32_t frames) {
+    retryBudget = static_cast<int64_t>(frames) * 1000000000 / (RetryShare * rate);
     int32_t done = 0;
     while (done < frames) {
         if (frame == nextBoundary) {

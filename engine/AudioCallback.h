@@ -20,9 +20,13 @@ class AudioCallback {
     using TickFunction = void (*)(void* context);
     static constexpr int32_t TicksPerSecond = 200;
     // How long one boundary keeps retrying try_lock while the GUI thread holds
-    // the lock for one of its microsecond-long operations. Bounded, never
-    // blocking: after it the tick is late instead.
-    static constexpr int64_t LockRetryNanoseconds = 20000;
+    // the lock. The GUI keeps it for microseconds per operation, but a thread
+    // can be preempted while it holds it; the retry rides that out. Bounded
+    // and never blocking: after it the tick is late.
+    static constexpr int64_t LockRetryNanoseconds = 200000;
+    // At most this share (one part in RetryShare) of a buffer's duration goes
+    // to such retries, so that small periods cannot run late because of them.
+    static constexpr int64_t RetryShare = 4;
 
     // engine may be null: then no tick runs and only the mixer sounds.
     AudioCallback(Engine* engine, Mixer& mixer);
@@ -61,6 +65,7 @@ class AudioCallback {
     int64_t nextTick = 0;     // the tick whose boundary comes next
     int64_t nextBoundary = 0; // its frame
     int32_t dueTicks = 0;     // ticks whose boundary passed and that have not run
+    int64_t retryBudget = 0;  // nanoseconds of lock retries left in this buffer
 
     std::atomic<uint64_t> ticksRun{0};
     std::atomic<uint64_t> lateTicks{0};
