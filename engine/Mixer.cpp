@@ -207,7 +207,10 @@ void Mixer::Apply(const MixerCommand& c) {
         return;
     }
     // Volume or pan changed: a positive pan attenuates the left side, a
-    // negative one the right, each by that many hundredths of a dB.
+    // negative one the right, each by that many hundredths of a dB; at 10000
+    // that side is silent, as the volume is at -10000. The new gains hold from
+    // the next frame mixed, without a ramp: commands arrive on tick
+    // boundaries and a note's values are set before it starts.
     const float gain = Attenuation(v.volume);
     v.gainLeft = gain * Attenuation(v.pan > 0 ? -v.pan : 0);
     v.gainRight = gain * Attenuation(v.pan < 0 ? v.pan : 0);

@@ -54,7 +54,9 @@ class Mixer {
     Mixer& operator=(const Mixer&) = delete;
 
     // The queue sound buffers send to; its producer is whoever holds the
-    // engine lock.
+    // engine lock. A command that finds it full is lost (the call fails and is
+    // not heard); a lost Release leaves the sample on its voice until the
+    // mixer itself goes.
     MixerCommandQueue* Commands() { return &commands; }
 
     // GUI thread, engine lock held: gives the sample a voice of its own and

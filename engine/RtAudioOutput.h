@@ -13,8 +13,9 @@ class RtAudio;
 // PulseAudio (or PipeWire's PulseAudio service), then ALSA's "default" device.
 // Float stereo at 48 kHz when the device offers it, else at the device's own
 // rate; 256-frame periods unless the server dictates its own. On JACK the
-// client is named after the program and its two output ports are connected
-// to the system's playback ports.
+// client is named after the program ("oxbowlantern:outport 0" and "1", the
+// port names RtAudio gives) and its ports are connected to the system's
+// playback ports.
 class RtAudioOutput : public AudioOutput {
   public:
     static constexpr const char* ClientName = "oxbowlantern";

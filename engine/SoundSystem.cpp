@@ -4,6 +4,7 @@
 #include "engine/SoundBuffer.h"
 
 #include <mutex>
+#include <new>
 
 int32_t SoundSystem::LoadWave(const std::string& path, const std::string& name,
                               SoundBuffer* target) {
@@ -23,7 +24,11 @@ void SoundSystem::HandOver(WaveStatus status, WaveFile& wave, const std::string&
     waveDataSize = wave.dataSize;
     int32_t voice = -1;
     if (status == WaveStatus::Ok) {
-        voice = mixer.Attach(wave.sample.get());
+        try {
+            voice = mixer.Attach(wave.sample.get());
+        } catch (const std::bad_alloc&) {
+            voice = -1; // no room for a larger voice table: the load fails
+        }
         if (voice < 0)
             lastStatus = WaveStatus::OutOfMemory;
     }

@@ -66,6 +66,8 @@ WaveStatus ParseFormat(const unsigned char* f, uint32_t size, WaveFormat& format
     // Rates above this are refused: the mixer's rate arithmetic stops there.
     if (rate < 1 || rate > 1000000)
         return WaveStatus::Unsupported;
+    // A block align that disagrees with the sample size would make byte
+    // positions and frames disagree; such a file is refused.
     if (blockAlign != channels * bits / 8)
         return WaveStatus::Unsupported;
     format.channels = channels;

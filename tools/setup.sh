@@ -8,7 +8,7 @@ set -eu
 PACKAGES="
 cmake g++ make pkg-config
 qt6-base-dev libgl-dev
-librtaudio-dev
+librtaudio-dev libasound2-dev
 jackd2 libjack-jackd2-dev
 libgtest-dev libgmock-dev libbenchmark-dev
 fonts-liberation fonts-dejavu-core fonts-dejavu-extra

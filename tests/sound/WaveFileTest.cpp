@@ -167,7 +167,7 @@ TEST_P(WaveRefuses, WithItsReason) {
 }
 
 std::vector<uint8_t> Truncated(std::vector<uint8_t> file, size_t cut) {
-    file.resize(file.size() - cut);
+    file.erase(file.end() - static_cast<std::ptrdiff_t>(cut), file.end());
     return file;
 }
 
