@@ -63,7 +63,8 @@ bool AudioCallback::TryLock() {
         spent = std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - start).count();
     } while (!locked && spent < allowed);
     retryBudget -= spent;
-    return locked;
+    // The time may have run out while this thread itself was not running.
+    return locked || theEngineLock.try_lock();
 }
 
 // Audio thread: runs every due tick under the engine lock, or none if the lock
