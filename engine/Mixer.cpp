@@ -130,9 +130,11 @@ void Mixer::ApplyCommands() {
 void Mixer::Retire(uint8_t kind, int32_t voice, void* data) {
     if (retired.Push(MixerRetired{kind, voice, data}))
         return;
-    if (kind == MixerRetired::Table)
-        table->previous = static_cast<VoiceTable*>(data);
-    else
+    if (kind == MixerRetired::Table) {
+        VoiceTable* old = static_cast<VoiceTable*>(data);
+        old->previous = table->previous;
+        table->previous = old;
+    } else
         table->voices[voice].sample = static_cast<SampleData*>(data);
 }
 
