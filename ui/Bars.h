@@ -1,0 +1,117 @@
+#pragma once
+
+#include "ui/BottomBar.h"
+
+// The bottom bars of the frame, each with its controls at their rectangles.
+// The fields are filled by the frame's Show... operations; the commands of
+// the buttons, spins, checks and sliders are connected by the work that owns
+// them, and until then the controls stand in place and do nothing. Controls
+// that a bar only holds hidden and without any function are left out; the
+// note bar's pitch slider stays, hidden, because ShowNoteBar fills it. GUI
+// thread only.
+
+// The view's settings: name column, slots, zooms, notation.
+class ViewBar : public BottomBar {
+  public:
+    explicit ViewBar(QWidget* parent);
+
+    QPushButton* okButton;
+    QLineEdit* splitField;
+    QPushButton* narrowerButton;
+    QPushButton* widerButton;
+    QLineEdit* linesField;
+    QPushButton* moreSlotsButton;
+    QPushButton* fewerSlotsButton;
+    QLineEdit* zoom1Field;
+    SpinArrows* zoom1Spin;
+    QLineEdit* zoom2Field;
+    SpinArrows* zoom2Spin;
+    QLineEdit* zoom3Field;
+    SpinArrows* zoom3Spin;
+    QPushButton* maxZoom3Button;
+    QCheckBox* fractionsCheck;
+};
+
+// Tempo and the nudges of all playheads.
+class TimersBar : public BottomBar {
+  public:
+    explicit TimersBar(QWidget* parent);
+
+    SpinArrows* skipHalfSpin;
+    SpinArrows* skipEighthSpin;
+    SpinArrows* skipTickSpin;
+    SpinArrows* bpmSpin;
+    QLineEdit* bpmField;
+    SpinArrows* fineTempoSpin;
+    QSlider* tempoSlider;
+};
+
+// One line, or several highlighted lines.
+class LineBar : public BottomBar {
+  public:
+    explicit LineBar(QWidget* parent);
+
+    QLineEdit* nameField;
+    QLineEdit* filterField;
+    SpinArrows* filterSpin;
+    QPushButton* deleteButton;
+    QLineEdit* controlGroupField;
+    SpinArrows* controlGroupSpin;
+};
+
+// The current instrument: name, control groups, file, nudges.
+class InstrumentBar : public BottomBar {
+  public:
+    explicit InstrumentBar(QWidget* parent);
+
+    QLineEdit* nameField;
+    QPushButton* changeNameButton;
+    QLineEdit* controlsField;
+    SpinArrows* controlsSpin;
+    QPushButton* saveButton;
+    QPushButton* saveAsButton;
+    QPushButton* closeButton;
+    SpinArrows* nudgeStepSpin;
+    SpinArrows* nudgeQuarterSpin;
+    SpinArrows* nudgeEighthSpin;
+    SpinArrows* nudgeSixteenthSpin;
+    SpinArrows* nudgeTouchSpin;
+};
+
+// The pattern on display: store, restore, clear, length, repeats.
+class PatternBar : public BottomBar {
+  public:
+    explicit PatternBar(QWidget* parent);
+
+    QLineEdit* patternField;
+    QCheckBox* saveOnSwitchCheck;
+    QPushButton* saveButton;
+    QPushButton* restoreButton;
+    QPushButton* clearButton;
+    QLineEdit* lengthField;
+    SpinArrows* lengthSpin;
+    QPushButton* doubleButton;
+    QLineEdit* repeatField;
+    SpinArrows* repeatSpin;
+};
+
+// The values of one note: a line's default note or the first selected one.
+class NoteBar : public BottomBar {
+  public:
+    explicit NoteBar(QWidget* parent);
+
+    QLineEdit* titleField;
+    QLineEdit* sampleLengthField;
+    QSlider* volumeSlider;
+    QLineEdit* volumeField;
+    SpinArrows* volumeSpin;
+    QLineEdit* toeInField;
+    QSlider* toeInSlider;
+    SpinArrows* toeInSpin;
+    QLineEdit* lengthField;
+    QSlider* lengthSlider;
+    SpinArrows* lengthSpin;
+    QSlider* panSlider;
+    QPushButton* zeroButton;
+    QSlider* pitchSlider;
+};

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "song/PlayPoint.h"
+
+#include <cstdint>
+#include <string>
+
+class Line;
+
+// Copies of the model values that the bottom bars show, taken under the
+// engine lock by whoever implements FrameCommands.
+
+struct ViewBarFields {
+    double split;
+    int32_t slotCount;
+    int32_t zoom1Measures;
+    int32_t zoom2Measures;
+    int32_t zoom3Measures; // -1 is the whole pattern
+    bool notationalFractions;
+};
+
+struct LineBarFields {
+    std::string name;
+    std::string filterText;
+    int32_t controlGroup; // of the first highlighted line, -2 with none highlighted
+};
+
+struct InstrumentBarFields {
+    std::string name;
+    int32_t controlCount;
+};
+
+struct PatternBarFields {
+    int32_t patternIndex; // from 0
+    int32_t measures;
+    int32_t repeatCount;
+    bool saveOnSwitch;
+};
+
+struct NoteBarFields {
+    PlayPoint note;         // the first selected note, or the line's default note
+    int32_t sampleLengthMs; // of the line's longest sample, 0 with none
+};
+
+// The frame's way to the model, implemented by the main view. The menus and
+// the command toolbar call the commands; the frame's Show... operations read
+// what the bars show through the queries. GUI thread only: an implementation
+// takes the engine lock around each call and returns copies.
+class FrameCommands {
+  public:
+    virtual ~FrameCommands() = default;
+
+    // "&New Instrument"
+    virtual void NewInstrument() = 0;
+    // "Close Instrument"
+    virtual void CloseInstrument() = 0;
+    // "LINE DETAIL (L)" with 1, "INSTS" with 2
+    virtual void SetViewMode(int32_t mode) = 0;
+
+    virtual ViewBarFields ViewBarValues() = 0;
+    // stepMs of the first instrument, 0.0 with none
+    virtual double TempoStepMs() = 0;
+    virtual LineBarFields LineBarValues(Line* line) = 0;
+    // The filter text of the highlighted lines
+    virtual std::string MultiLineFilterText() = 0;
+    virtual InstrumentBarFields InstrumentBarValues() = 0;
+    // The pattern on display of the current instrument
+    virtual PatternBarFields PatternBarValues() = 0;
+    virtual NoteBarFields NoteBarValues(Line* line, bool isSelection) = 0;
+};
