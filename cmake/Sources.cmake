@@ -11,4 +11,5 @@ set(CORE_SOURCES
     engine/AudioCallback.cpp
     engine/OfflineOutput.cpp
     engine/RtAudioOutput.cpp
+    editing/Line.cpp
 )
