@@ -11,5 +11,11 @@ set(CORE_SOURCES
     engine/AudioCallback.cpp
     engine/OfflineOutput.cpp
     engine/RtAudioOutput.cpp
+    engine/ClockDisplay.cpp
+    engine/SequencerRow.cpp
+    song/PatternBank.cpp
+    song/SampleRegistry.cpp
+    song/Instrument.cpp
+    ui/Row.cpp
     editing/Line.cpp
 )

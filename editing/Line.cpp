@@ -33,7 +33,11 @@ double Nudged(int32_t code, double value, int32_t step) {
 
 Line::Line(PatternBank* b, int32_t i, int8_t steps)
     : Row(LineRow), controlGroup(b != nullptr ? b->GetLastControlGroup() : 0),
-      stepsPerMeasure(steps), points(new PlayPointList(1024)), index(i), bank(b) {}
+      stepsPerMeasure(steps), points(new PlayPointList(1024)), index(i), bank(b) {
+    // A new line's default note names the line: a note made from it lands
+    // on this line.
+    defaultNote.line = static_cast<uint8_t>(i);
+}
 
 Line::~Line() {
     delete points;

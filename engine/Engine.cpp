@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cstring>
 
+Engine* theEngine = nullptr;
+
 Engine::Engine() : playheads(new Playhead*[10]) {}
 
 Engine::~Engine() {
@@ -44,11 +46,17 @@ void Engine::HighlightLine(Row* row) {
     highlightMode = 1;
 }
 
-// The list holds 30; a sequencer added beyond that is ignored.
+// The list holds 30; a sequencer added beyond that is ignored. A sequencer
+// already in the list (a second control click on its box) is not added
+// again: twice in the list, one pattern end would take two of its queue
+// entries or program slots, and one typed digit would be entered twice.
 void Engine::AddHighlightedSequencer(SequencerRow* sequencer) {
+    highlightMode = 2;
+    for (int i = 0; i < highlightCount; ++i)
+        if (highlightedSequencers[i] == sequencer)
+            return;
     if (highlightCount < MaxHighlights)
         highlightedSequencers[highlightCount++] = sequencer;
-    highlightMode = 2;
 }
 
 void Engine::ClearHighlights() {

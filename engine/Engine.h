@@ -85,3 +85,6 @@ class Engine {
     ClockDisplay* clockDisplay = nullptr;
     uint8_t keyBusy = 0;
 };
+
+// The one engine of the program, set up at start.
+extern Engine* theEngine;

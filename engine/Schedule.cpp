@@ -21,8 +21,8 @@ template <typename T> T* AllocateOrExit(int32_t n) {
 Schedule::Schedule()
     : ticks(AllocateOrExit<int32_t>(100)), events(AllocateOrExit<PlayPoint>(100)), playhead(this),
       allocated(100) {
-    for (int i = 0; i < 4; ++i)
-        defaultTable[i] = defaultSamples[i];
+    for (SoundBuffer**& line : defaultTable)
+        line = noSample;
     lineSampleCounts = defaultCounts;
     lineSamples = defaultTable;
     playhead.lineSampleCounts = lineSampleCounts;
@@ -67,13 +67,18 @@ void Schedule::StagePattern(const PlayPointList& list) {
         stagedEvents = AllocateOrExit<PlayPoint>(room);
         stagedAllocated = room;
     }
+    // Points at or past the pattern's length (kept after the length was
+    // lowered) are left out: they are silent, and a tick the walker never
+    // reaches would hold it there and silence the next pass too.
     const double ticksPerUnit = stepMs * 0.003125;
-    for (int32_t i = 0; i < list.count; ++i) {
-        stagedEvents[i] = list.items[i];
-        stagedTicks[i] = static_cast<int32_t>(list.items[i].time * ticksPerUnit);
+    int32_t n = 0;
+    while (n < list.count && list.items[n].time < list.bound) {
+        stagedEvents[n] = list.items[n];
+        stagedTicks[n] = static_cast<int32_t>(list.items[n].time * ticksPerUnit);
+        ++n;
     }
     staged = 1;
-    stagedCount = list.count;
+    stagedCount = n;
     stagedLengthUnits = list.bound;
 }
 

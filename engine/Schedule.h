@@ -95,9 +95,11 @@ class Schedule {
     int32_t allocated;
     int32_t stagedAllocated = 0;
 
-    // The table a schedule has before its instrument loads samples: four
-    // lines without samples.
-    int8_t defaultCounts[4] = {};
-    SoundBuffer* defaultSamples[4][1] = {};
-    SoundBuffer** defaultTable[4];
+    // The table a schedule has before its instrument loads samples: every
+    // line a note can name, none with samples, so that notes of an
+    // instrument whose samples all failed to load are silent, never fatal.
+    static constexpr int32_t DefaultLines = 256;
+    int8_t defaultCounts[DefaultLines] = {};
+    SoundBuffer* noSample[1] = {};
+    SoundBuffer** defaultTable[DefaultLines];
 };

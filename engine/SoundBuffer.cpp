@@ -1,5 +1,7 @@
 #include "engine/SoundBuffer.h"
 
+#include "song/Instrument.h"
+
 SoundBuffer::SoundBuffer(Instrument* owner) : owner(owner) {}
 
 SoundBuffer::~SoundBuffer() {
@@ -18,9 +20,14 @@ void SoundBuffer::SetLoaded(int32_t voiceId, MixerCommandQueue* queue, const std
     bytesPerMs = static_cast<int32_t>(averageBytesPerSecond * 0.001);
     if (ms > 0)
         lengthMs = ms;
+    if (owner != nullptr)
+        owner->SampleLoaded(this);
 }
 
-void SoundBuffer::SetFailed() {}
+void SoundBuffer::SetFailed() {
+    if (owner != nullptr)
+        owner->SampleFailed();
+}
 
 bool SoundBuffer::Send(uint8_t kind, int32_t value) {
     if (commands == nullptr)

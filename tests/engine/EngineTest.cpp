@@ -1,12 +1,14 @@
 #include "engine/Engine.h"
 #include "ScheduleFixture.h"
 #include "engine/ClockDisplay.h"
+#include "engine/SequencerRow.h"
 #include "engine/TickDriver.h"
 #include "ui/Row.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <memory>
 
 namespace {
 
@@ -86,24 +88,43 @@ TEST(Engine, AtMostThreeKeysATickTheRestWaitInOrder) {
     EXPECT_EQ(log.keys.size(), 5u);
 }
 
-struct ClockLog : ClockDisplay {
-    void Update(const int32_t* m, const int32_t* b, const int32_t* ids, int32_t n) override {
-        calls.push_back({});
-        for (int32_t i = 0; i < n; ++i)
-            calls.back().push_back({m[i], b[i], ids[i]});
+// A clock display with one cell for each of the given instrument ids; the
+// frames it hands to the screen tell what the clock pass sent.
+struct ClockLog {
+    explicit ClockLog(std::initializer_list<int32_t> cellIds) {
+        for (int32_t id : cellIds) {
+            rows.push_back(std::make_unique<SequencerRow>(nullptr, nullptr));
+            rows.back()->id = id;
+            display.AddCell(rows.back().get(), id, 0, id + 10, 10);
+        }
     }
-    std::vector<std::vector<std::array<int32_t, 3>>> calls;
+    // (measure, beat, id) of each text of the newest frame.
+    std::vector<std::array<int32_t, 3>> Texts() {
+        ClockFrame frame{};
+        std::vector<std::array<int32_t, 3>> out;
+        if (!display.TakeFrame(frame))
+            return out;
+        for (int32_t i = 0; i < frame.count; ++i)
+            out.push_back({frame.texts[i].measure, frame.texts[i].beat, frame.texts[i].rect.left});
+        return out;
+    }
+    bool AnyFrame() {
+        ClockFrame frame{};
+        return display.TakeFrame(frame);
+    }
+    std::vector<std::unique_ptr<SequencerRow>> rows;
+    ClockDisplay display;
 };
 
 TEST(Engine, ClockPassRunsEveryThirtySecondTickAlsoWithNothingRegistered) {
     Engine engine;
-    ClockLog clock;
-    engine.SetClockDisplay(&clock);
+    ClockLog clock({});
+    engine.SetClockDisplay(&clock.display);
     TickDriver(engine).Run(31);
-    EXPECT_TRUE(clock.calls.empty());
-    TickDriver(engine).Run(33);
-    ASSERT_EQ(clock.calls.size(), 2u);
-    EXPECT_TRUE(clock.calls[0].empty());
+    EXPECT_FALSE(clock.AnyFrame());
+    TickDriver(engine).Run(1);
+    EXPECT_TRUE(clock.AnyFrame());
+    EXPECT_FALSE(clock.AnyFrame());
 }
 
 struct ClockCase {
@@ -125,13 +146,12 @@ TEST_P(EngineClock, MeasureAndBeatFromThePosition) {
     f.schedule.SetClockId(7);
     f.schedule.playhead.position = c.position - 1;
     Engine engine;
-    ClockLog clock;
-    engine.SetClockDisplay(&clock);
+    ClockLog clock({7});
+    engine.SetClockDisplay(&clock.display);
     engine.AddPlayhead(f.schedule.GetPlayhead());
     engine.refreshCounter = 31;
     TickDriver(engine).Run(1);
-    ASSERT_EQ(clock.calls.size(), 1u);
-    EXPECT_EQ(clock.calls[0], (std::vector<std::array<int32_t, 3>>{{c.measure, c.beat, 7}}));
+    EXPECT_EQ(clock.Texts(), (std::vector<std::array<int32_t, 3>>{{c.measure, c.beat, 7}}));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -144,36 +164,35 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Engine, ClockPassCoversTheFirstThirtyInRegistryOrder) {
     std::vector<Schedule> schedules(35);
     Engine engine;
-    ClockLog clock;
-    engine.SetClockDisplay(&clock);
+    // Cells for the 30th and 31st instrument, and one for an id nobody has.
+    ClockLog clock({129, 130, 500});
+    engine.SetClockDisplay(&clock.display);
     for (int i = 0; i < 35; ++i) {
         schedules[i].SetClockId(100 + i);
         engine.AddPlayhead(schedules[i].GetPlayhead());
     }
     TickDriver(engine).Run(32);
-    ASSERT_EQ(clock.calls.size(), 1u);
-    ASSERT_EQ(clock.calls[0].size(), 30u);
-    EXPECT_EQ(clock.calls[0][29][2], 129);
+    EXPECT_EQ(clock.Texts(), (std::vector<std::array<int32_t, 3>>{{0, 0, 129}}));
 }
 
-struct Highlightable : SequencerRow {
-    void ClearHighlight() override { ++cleared; }
-    int cleared = 0;
-};
-
-TEST(Engine, HighlightListStopsAtThirtyAndClearsEach) {
+TEST(Engine, HighlightListHoldsThirtyOnceEachAndClearsThem) {
     Engine engine;
-    std::vector<Highlightable> rows(31);
-    for (auto& r : rows)
-        engine.AddHighlightedSequencer(&r);
+    std::vector<std::unique_ptr<SequencerRow>> rows;
+    for (int i = 0; i < 31; ++i) {
+        rows.push_back(std::make_unique<SequencerRow>(nullptr, nullptr));
+        rows.back()->focus = 0;
+        rows.back()->cueFlag = 1;
+        engine.AddHighlightedSequencer(rows.back().get());
+        engine.AddHighlightedSequencer(rows.back().get());
+    }
     EXPECT_EQ(engine.highlightCount, 30);
     EXPECT_EQ(engine.highlightMode, 2);
     engine.ClearHighlights();
     EXPECT_EQ(engine.highlightMode, 0);
     EXPECT_EQ(engine.highlightCount, 0);
-    EXPECT_EQ(rows[0].cleared, 1);
-    EXPECT_EQ(rows[29].cleared, 1);
-    EXPECT_EQ(rows[30].cleared, 0);
+    EXPECT_EQ(rows[0]->cueFlag, 0);
+    EXPECT_EQ(rows[29]->focus, -1);
+    EXPECT_EQ(rows[30]->cueFlag, 1);
 }
 
 TEST(Engine, OnlyALineCanBeTheHighlightedLine) {

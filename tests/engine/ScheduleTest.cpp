@@ -92,6 +92,7 @@ TEST(Schedule, UnitsOneApartCanShareATick) {
 
 TEST(Schedule, EmptyPatternStillWrapsAndNotifies) {
     struct Counter : SequencerRow {
+        Counter() : SequencerRow(nullptr, nullptr) {}
         void OnPatternEnding() override { ++n; }
         int n = 0;
     } counter;
@@ -106,6 +107,7 @@ TEST(Schedule, EmptyPatternStillWrapsAndNotifies) {
 
 // Records the position at each notification and can switch pattern there.
 struct Switcher : SequencerRow {
+    Switcher() : SequencerRow(nullptr, nullptr) {}
     void OnPatternEnding() override {
         positions.push_back(fixture->schedule.playhead.position);
         if (!next.empty() || nextUnits != 0)

@@ -1,0 +1,389 @@
+#include "engine/SequencerRow.h"
+
+#include "engine/Engine.h"
+#include "song/Instrument.h"
+#include "song/PatternBank.h"
+
+#include <cstdio>
+#include <cstring>
+
+namespace {
+constexpr Font SmallFont{"Small Fonts", 60};
+constexpr Font TimesFont{"Times", 80};
+const char* const CueLabels[4] = {"LOCK", "NEXT", "<---", "PROG"};
+
+// Key positions of the keys the box takes.
+constexpr uint32_t KeyTopRow1 = 2, KeyTopRow0 = 11, KeyNumpadPlus = 78;
+
+// The digit of a numpad key, or -1.
+int32_t NumpadDigit(uint32_t scanCode) {
+    switch (scanCode) {
+    case 82:
+        return 0;
+    case 79:
+        return 1;
+    case 80:
+        return 2;
+    case 81:
+        return 3;
+    case 75:
+        return 4;
+    case 76:
+        return 5;
+    case 77:
+        return 6;
+    case 71:
+        return 7;
+    case 72:
+        return 8;
+    case 73:
+        return 9;
+    default:
+        return -1;
+    }
+}
+} // namespace
+
+SequencerRow::SequencerRow(Instrument* owner, PatternBank* patterns)
+    : Row(SequencerRowKind), bank(patterns), instrument(owner) {
+    std::memset(program, Empty, sizeof program);
+    std::memset(queue, Empty, sizeof queue);
+}
+
+void SequencerRow::SwitchTo(int32_t pattern) {
+    bank->Play(pattern, 0, stopped ? 1 : 0);
+    currentNumber = static_cast<uint8_t>(pattern + 1);
+    stopped = 0;
+}
+
+void SequencerRow::Stop() {
+    bank->Stop();
+    stopped = 1;
+}
+
+void SequencerRow::Restart() {
+    bank->Play(currentNumber - 1, 0, 1);
+    stopped = 0;
+}
+
+void SequencerRow::SetCueMode(int32_t mode) {
+    if (mode < 0 || mode > 3)
+        return;
+    cueMode = static_cast<uint8_t>(mode);
+    Repaint();
+}
+
+void SequencerRow::PopQueue() {
+    for (int i = 0; i < QueueSlots - 1; ++i)
+        if (queue[i] != Empty)
+            queue[i] = queue[i + 1];
+    queue[QueueSlots - 1] = Empty;
+}
+
+void SequencerRow::AdvanceProgram() {
+    if (++programIndex == ProgramSlots)
+        programIndex = 0;
+    if (program[programIndex] == Empty)
+        programIndex = 0;
+}
+
+void SequencerRow::OnPatternEnding() {
+    switch (cueMode) {
+    case Next:
+        if (!stopped && queue[0] != Empty) {
+            SwitchTo(queue[0]);
+            cueMode = Lock;
+            PopQueue();
+            Repaint();
+        }
+        break;
+    case Back:
+        if (!stopped) {
+            if (queue[0] != Empty) {
+                SwitchTo(queue[0]);
+                PopQueue();
+            } else {
+                Stop();
+            }
+            Repaint();
+        }
+        break;
+    case Prog:
+        if (!stopped && program[programIndex] != Empty) {
+            SwitchTo(program[programIndex]);
+            AdvanceProgram();
+        }
+        Repaint();
+        break;
+    default:
+        break;
+    }
+    if (cueFlag && !stopped && theEngine->highlightMode == 2)
+        for (int i = 0; i < theEngine->highlightCount; ++i)
+            theEngine->highlightedSequencers[i]->Launch();
+}
+
+void SequencerRow::Launch() {
+    if (cueFlag)
+        return;
+    if (cueMode == Lock) {
+        if (queue[0] != Empty)
+            cueMode = Next;
+        else if (stopped)
+            SwitchTo(currentNumber - 1);
+        else
+            Restart();
+        Repaint();
+    }
+    switch (cueMode) {
+    case Next:
+    case Back:
+        if (queue[0] == Empty)
+            return;
+        SwitchTo(queue[0]);
+        Restart();
+        if (cueMode == Next)
+            cueMode = Lock;
+        PopQueue();
+        Repaint();
+        break;
+    case Prog:
+        if (program[programIndex] != Empty) {
+            SwitchTo(program[programIndex]);
+            Restart();
+            AdvanceProgram();
+        }
+        Repaint();
+        break;
+    default:
+        break;
+    }
+}
+
+void SequencerRow::SkipForward() {
+    if (cueMode == Lock) {
+        if (queue[0] != Empty) {
+            cueMode = Next;
+        } else if (program[programIndex] != Empty) {
+            SwitchTo(program[programIndex]);
+            AdvanceProgram();
+            Repaint();
+        }
+    }
+    switch (cueMode) {
+    case Next:
+    case Back:
+        if (queue[0] != Empty) {
+            SwitchTo(queue[0]);
+            if (cueMode == Next)
+                cueMode = Lock;
+            PopQueue();
+            Repaint();
+        }
+        break;
+    case Prog:
+        if (program[programIndex] != Empty) {
+            SwitchTo(program[programIndex]);
+            AdvanceProgram();
+        }
+        Repaint();
+        break;
+    default:
+        break;
+    }
+}
+
+void SequencerRow::OnKey(uint32_t scanCode) {
+    if (scanCode >= KeyTopRow1 && scanCode <= KeyTopRow0) {
+        focus = 1;
+        focusSlot = static_cast<int32_t>(scanCode) - 2;
+        plusPending = 0;
+        Repaint();
+        return;
+    }
+    if (scanCode == KeyNumpadPlus) {
+        plusPending = 1;
+        return;
+    }
+    int32_t value = NumpadDigit(scanCode);
+    if (value < 0)
+        return;
+    if (plusPending) {
+        if (value + 10 < 17)
+            value += 10;
+        plusPending = 0;
+    }
+    EnterDigit(value);
+}
+
+void SequencerRow::EnterDigit(int32_t value) {
+    if (value < 0 || value > 16)
+        return;
+    const uint8_t entry = value == 0 ? Empty : static_cast<uint8_t>(value - 1);
+    switch (focus) {
+    case 0:
+        if (value == 0)
+            Stop();
+        else
+            SwitchTo(value - 1);
+        Repaint();
+        break;
+    case 1:
+        StoreInSlot(queue, QueueSlots, entry);
+        break;
+    case 2:
+        StoreInSlot(program, ProgramSlots, entry);
+        break;
+    default:
+        break;
+    }
+}
+
+// An entry typed beyond the end of the list lands behind its last entry; an
+// emptied slot in the middle pulls the later entries forward by one.
+void SequencerRow::StoreInSlot(uint8_t* slots, int32_t slotCount, uint8_t entry) {
+    int32_t s = focusSlot < slotCount ? focusSlot : slotCount - 1;
+    while (s > 0 && slots[s - 1] == Empty)
+        --s;
+    slots[s < 0 ? 0 : s] = entry;
+    for (int32_t i = 0; i < slotCount - 1; ++i) {
+        if (slots[i] == Empty && slots[i + 1] != Empty) {
+            slots[i] = slots[i + 1];
+            slots[i + 1] = Empty;
+        }
+    }
+    Repaint();
+}
+
+void SequencerRow::RequestPattern(int32_t number) {
+    if (number == -1) {
+        FocusMainBox();
+        return;
+    }
+    if (number < 0 || number > 10)
+        return;
+    currentNumber = static_cast<uint8_t>(number);
+    if (number > 0)
+        SwitchTo(number - 1);
+    Repaint();
+}
+
+void SequencerRow::FocusMainBox() {
+    focus = 0;
+    Repaint();
+    instrument->FocusSequencer(this);
+}
+
+void SequencerRow::ClearHighlight() {
+    plusPending = 0;
+    cueFlag = 0;
+    focus = -1;
+    focusSlot = -1;
+    Repaint();
+}
+
+void SequencerRow::OnLButtonDown(uint32_t flags, int32_t x, int32_t y) {
+    if (mainBox.Contains(x, y)) {
+        if (flags == LeftButton) {
+            focus = 0;
+            Repaint();
+            instrument->FocusSequencer(this);
+        } else if (flags == (LeftButton | Control)) {
+            cueFlag = 0;
+            focus = 0;
+            Repaint();
+            instrument->AddFocusSequencer(this);
+        }
+        return;
+    }
+    if (cueRect.Contains(x, y)) {
+        cueMode = static_cast<uint8_t>((cueMode + 1) % 4);
+        programIndex = 0;
+        Repaint();
+        return;
+    }
+    for (int i = 0; i < QueueSlots + ProgramSlots; ++i) {
+        const bool inQueue = i < QueueSlots;
+        const Rect& r = inQueue ? queueRects[i] : programRects[i - QueueSlots];
+        if (!r.Contains(x, y))
+            continue;
+        focusSlot = inQueue ? i : i - QueueSlots;
+        focus = inQueue ? 1 : 2;
+        Repaint();
+        instrument->FocusSequencer(this);
+        return;
+    }
+}
+
+void SequencerRow::OnLButtonDblClk(uint32_t flags, int32_t x, int32_t y) {
+    if (flags == (LeftButton | Control) && mainBox.Contains(x, y)) {
+        cueFlag = 1;
+        Repaint();
+    }
+}
+
+const char* SequencerRow::GetName() {
+    return instrument->name.c_str();
+}
+
+void SequencerRow::Layout() {
+    const int32_t l = rect.left, t = rect.top, b = rect.bottom;
+    mainBox = Rect{l + 2, t + 2, l + 52, b - 2};
+    numberRect = Rect{l + 3, t + 2, l + 26, b - 2};
+    clockRect = Rect{l + 27, t + 5, l + 51, b - 4};
+    cueRect = Rect{l + 53, t + 2, l + 83, b - 2};
+    queueArea = Rect{l + 84, t + 2, l + 404, b - 2};
+    programArea = Rect{l + 424, t + 2, l + 584, b - 2};
+    for (int i = 0; i < QueueSlots; ++i)
+        queueRects[i] = Rect{queueArea.left + 20 * i, queueArea.top, queueArea.left + 20 * (i + 1),
+                             queueArea.bottom};
+    for (int i = 0; i < ProgramSlots; ++i)
+        programRects[i] = Rect{programArea.left + 20 * i, programArea.top,
+                               programArea.left + 20 * (i + 1), programArea.bottom};
+}
+
+// Frames each slot, fills the focused one grey, and writes the label and the
+// entry of the first `labelled` slots.
+void SequencerRow::PaintSlots(const Rect* rects, int32_t n, int8_t slotFocus,
+                              const uint8_t* entries, int32_t labelled, const char* labelFormat,
+                              int32_t entryInset) {
+    char text[16];
+    for (int32_t i = 0; i < n; ++i) {
+        const Rect& r = rects[i];
+        dc->FrameRect(r, Black);
+        if (focus == slotFocus && focusSlot == i)
+            dc->FillRect(r, Gray);
+        if (i >= labelled)
+            continue;
+        std::snprintf(text, sizeof text, labelFormat, i + 1);
+        dc->Text(Rect{r.left + 1, r.top + 1, r.right, r.bottom}, text, SmallFont, TextSingleLine,
+                 Black);
+        if (entries[i] == Empty)
+            continue;
+        std::snprintf(text, sizeof text, "%i", entries[i] + 1);
+        dc->Text(Rect{r.left + entryInset, r.top + 1, r.right, r.bottom}, text, CurrentFont,
+                 TextSingleLine | TextCenter | TextVCenter, Black);
+    }
+}
+
+void SequencerRow::Paint() {
+    if (dc == nullptr)
+        return;
+    Layout();
+    dc->FillRect(rect, White);
+    dc->FrameRect(rect, Black);
+    dc->FrameRect(mainBox, Black);
+    dc->FrameRect(queueArea, Black);
+    dc->FrameRect(programArea, Black);
+    if (focus == 0)
+        dc->FillRect(mainBox, Gray);
+    char number[8];
+    std::snprintf(number, sizeof number, "%i", currentNumber);
+    dc->Text(numberRect, number, CurrentFont, TextLeft, Black);
+    dc->Text(cueRect, CueLabels[cueMode & 3], TimesFont, TextSingleLine | TextCenter | TextVCenter,
+             Black);
+    if (cueFlag)
+        dc->Text(cueRect, "CUE", SmallFont, TextSingleLine | TextBottom | TextCenter, Black);
+    PaintSlots(queueRects, QueueSlots, 1, queue, 10, "%i", 0);
+    PaintSlots(programRects, ProgramSlots, 2, program, ProgramSlots, "P%i", 1);
+}
