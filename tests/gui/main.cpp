@@ -1,4 +1,5 @@
 #include "BarsTest.h"
+#include "CanvasPainterTest.h"
 #include "FrameTest.h"
 #include "PartsTest.h"
 
@@ -10,10 +11,11 @@
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     PartsTest parts;
+    CanvasPainterTest canvas;
     FrameTest frame;
     BarsTest bars;
     int failed = 0;
-    for (QObject* test : std::initializer_list<QObject*>{&parts, &frame, &bars})
+    for (QObject* test : std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars})
         failed += QTest::qExec(test, argc, argv) != 0;
     return failed;
 }
