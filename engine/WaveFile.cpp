@@ -51,6 +51,8 @@ WaveStatus ParseFormat(const unsigned char* f, uint32_t size, WaveFormat& format
     const uint32_t rate = U32(f + 4);
     const int32_t blockAlign = U16(f + 12);
     const int32_t bits = U16(f + 14);
+    // An extensible chunk names its real format in the sub-format GUID; its
+    // valid-bits field is not read: the container size decides the decoding.
     if (tag == FormatExtensible) {
         if (size < 40 || U16(f + 16) < 22 || std::memcmp(f + 28, GuidTail, 12) != 0 ||
             U16(f + 26) != 0)
