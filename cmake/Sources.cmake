@@ -17,5 +17,6 @@ set(CORE_SOURCES
     song/SampleRegistry.cpp
     song/Instrument.cpp
     ui/Row.cpp
+    ui/MainView.cpp
     editing/Line.cpp
 )

@@ -19,8 +19,8 @@ SpinArrows::SpinArrows(Qt::Orientation o, QWidget* parent) : QWidget(parent), or
     upArrow = MakeArrow(vertical ? Qt::UpArrow : Qt::RightArrow, this);
     downArrow = MakeArrow(vertical ? Qt::DownArrow : Qt::LeftArrow, this);
     setFocusPolicy(Qt::NoFocus);
-    connect(upArrow, &QToolButton::clicked, this, [this] { emit Spun(-1); });
-    connect(downArrow, &QToolButton::clicked, this, [this] { emit Spun(1); });
+    connect(upArrow, &QToolButton::clicked, this, [this] { Q_EMIT Spun(-1); });
+    connect(downArrow, &QToolButton::clicked, this, [this] { Q_EMIT Spun(1); });
 }
 
 // Splits the rectangle between the arrows: up above down, or down (left)

@@ -18,7 +18,7 @@ class SpinArrows : public QWidget {
     QToolButton* upArrow;
     QToolButton* downArrow;
 
-  signals:
+  Q_SIGNALS:
     void Spun(int delta);
 
   protected:

@@ -7,7 +7,7 @@
 class CanvasPainterTest : public QObject {
     Q_OBJECT
 
-  private slots:
+  private Q_SLOTS:
     void pixels_data();
     void pixels();
     void textPlacement_data();

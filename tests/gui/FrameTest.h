@@ -10,7 +10,7 @@ class FakeFrameCommands;
 class FrameTest : public QObject {
     Q_OBJECT
 
-  private slots:
+  private Q_SLOTS:
     void init();
     void cleanup();
 

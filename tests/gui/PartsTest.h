@@ -7,7 +7,7 @@
 class PartsTest : public QObject {
     Q_OBJECT
 
-  private slots:
+  private Q_SLOTS:
     void dialogUnits_data();
     void dialogUnits();
     void spinDirection_data();

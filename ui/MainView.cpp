@@ -1,0 +1,435 @@
+#include "ui/MainView.h"
+
+#include "engine/ClockDisplay.h"
+#include "engine/Engine.h"
+#include "engine/SequencerRow.h"
+#include "song/Instrument.h"
+#include "song/PatternBank.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+// Instruments named "Inst %i" so far in this run; the numbers go on after a
+// close.
+int32_t instrumentsNamed = 0;
+// The measure count of the current pattern last seen by PatternLengthChanged.
+int32_t measuresSeen = 0;
+
+int32_t Trunc(double v) {
+    return static_cast<int32_t>(v);
+}
+} // namespace
+
+MainView::MainView(ViewHost* h) : slots(15), host(h) {
+    NewInstrument();
+    instruments[0]->SetLevel(0, 0.9);
+}
+
+MainView::~MainView() {
+    for (Instrument* i : instruments) {
+        if (theEngine != nullptr)
+            theEngine->RemovePlayhead(i->GetSchedule()->GetPlayhead());
+        delete i;
+    }
+}
+
+void MainView::NewInstrument() {
+    Instrument* inst = new Instrument(this);
+    instruments.push_back(inst);
+    inst->SetNumber(++instrumentSerial);
+    char name[32];
+    std::snprintf(name, sizeof name, "Inst %i", ++instrumentsNamed);
+    inst->SetName(name);
+    SelectInstrument(static_cast<int32_t>(instruments.size()) - 1);
+    RebuildRowList();
+    if (instruments.size() == 1)
+        return; // the first one comes before any window exists
+    RegisterCurrentPlayhead();
+    RefreshInstrument();
+    Repaint();
+}
+
+void MainView::AddInstrument(Instrument* instrument) {
+    instruments.push_back(instrument);
+    instrument->SetNumber(++instrumentSerial);
+    SelectInstrument(static_cast<int32_t>(instruments.size()) - 1);
+    RebuildRowList();
+    instrument->AttachView(this);
+    RegisterCurrentPlayhead();
+    RefreshInstrument();
+    Repaint();
+}
+
+void MainView::CloseInstrument() {
+    if (instruments.size() < 2)
+        return;
+    Instrument* gone = Current();
+    if (viewMode == LineDetail)
+        UnplaceListRows();
+    gone->GetSequencer()->Unplace();
+    theEngine->RemovePlayhead(gone->GetSchedule()->GetPlayhead());
+    instruments.erase(instruments.begin() + currentInstrument);
+    delete gone;
+    SelectInstrument(static_cast<int32_t>(instruments.size()) - 1);
+    RebuildRowList();
+    RefreshInstrument();
+    Repaint();
+    host->ShowInstrumentBar();
+}
+
+void MainView::SelectInstrument(int32_t index) {
+    const int32_t count = static_cast<int32_t>(instruments.size());
+    if (index < 0 || index >= count)
+        return;
+    currentInstrument = index;
+    instrumentNames[0] = index > 0 ? instruments[index - 1]->GetName() : "";
+    instrumentNames[1] = instruments[index]->GetName();
+    instrumentNames[2] = index + 1 < count ? instruments[index + 1]->GetName() : "";
+}
+
+void MainView::RebuildRowList() {
+    rowList.BeginRebuild();
+    for (RowSlot& s : slots)
+        s.visible = 0;
+    RowSlot slot;
+    for (bool first = true; Current()->NextRow(slot, first); first = false)
+        rowList.Append(slot.row);
+    SetVerticalBar();
+}
+
+void MainView::SetVerticalBar() {
+    vScrollBar.SetRange(0, rowList.Count() - 1);
+    vScrollBar.SetPage(slotCount);
+    host->ScrollBarsChanged();
+}
+
+int32_t MainView::PatternMeasures() const {
+    return Current()->GetBank()->GetMeasures();
+}
+
+void MainView::RefreshInstrument() {
+    RebuildRowList();
+    hScrollBar.SetRange(0, PatternMeasures() - 1);
+    if (zoomMode == 1)
+        SelectZoom1();
+    else if (zoomMode == 2)
+        SelectZoom2();
+    else
+        SelectZoom3();
+    Repaint();
+}
+
+void MainView::PatternLengthChanged() {
+    host->RefreshPatternBar();
+    if (PatternMeasures() == measuresSeen)
+        return;
+    measuresSeen = PatternMeasures();
+    RefreshInstrument();
+}
+
+void MainView::SetSlotCount(int32_t count) {
+    if (count < 1)
+        return;
+    slots.resize(static_cast<size_t>(count));
+    slotCount = count;
+    slotsLaidOut = 0;
+    if (count >= rowList.Count()) {
+        rowList.firstVisible = 0;
+        vScrollBar.position = 0;
+    }
+    SetVerticalBar();
+}
+
+void MainView::SetLineWindow(int32_t measures, int32_t first) {
+    Current()->GetBank()->SetLineWindow(measures, first);
+}
+
+// Zooms 1 and 2 share one remembered position. When a line has the key focus
+// the window follows its selection; lines take the focus by mouse, so until
+// then the remembered position holds.
+void MainView::SelectZoom12(int32_t mode, int32_t width) {
+    zoomMode = mode;
+    hScrollBar.SetPage(width);
+    hScrollBar.SetPosition(zoom12Position);
+    SetLineWindow(std::min(width, PatternMeasures()), hScrollBar.position);
+    host->ScrollBarsChanged();
+    Repaint();
+}
+
+void MainView::SelectZoom3() {
+    zoomMode = 3;
+    hScrollBar.SetPage(zoom3Measures);
+    hScrollBar.SetPosition(zoom3Position);
+    const int32_t measures = PatternMeasures();
+    SetLineWindow(zoom3Measures == -1 ? measures : std::min(zoom3Measures, measures),
+                  hScrollBar.position);
+    host->ScrollBarsChanged();
+    Repaint();
+}
+
+void MainView::ChangeZoom(int32_t which, int32_t direction) {
+    if (which == 1 && direction == 1 && zoom1Measures < 4)
+        ++zoom1Measures;
+    else if (which == 1 && direction == 0 && zoom1Measures > 1)
+        --zoom1Measures;
+    else if (which == 2 && direction == 1 && zoom2Measures < 32)
+        ++zoom2Measures;
+    else if (which == 2 && direction == 0 && zoom2Measures > 2)
+        --zoom2Measures;
+    else if (which == 3 && direction == 3)
+        zoom3Measures = -1;
+    else if (which == 3 && zoom3Measures == -1)
+        zoom3Measures = 32;
+    else if (which == 3 && direction == 1)
+        zoom3Measures = std::min(zoom3Measures + 1, 128);
+    else if (which == 3 && direction == 0)
+        zoom3Measures = std::max(zoom3Measures - 1, 4);
+    ApplyZoom();
+}
+
+// Applies the active zoom's width again, without a repaint.
+void MainView::ApplyZoom() {
+    const int32_t width =
+        zoomMode == 1 ? zoom1Measures : (zoomMode == 2 ? zoom2Measures : zoom3Measures);
+    hScrollBar.SetPage(width);
+    const int32_t measures = PatternMeasures();
+    SetLineWindow(width == -1 ? measures : std::min(width, measures), hScrollBar.position);
+    host->ScrollBarsChanged();
+}
+
+void MainView::StoreHorizontal(int32_t position) {
+    hScrollBar.SetPosition(position);
+    if (zoomMode == 3)
+        zoom3Position = hScrollBar.position;
+    else
+        zoom12Position = hScrollBar.position;
+    SetLineWindow(hScrollBar.page, hScrollBar.position);
+    host->ScrollBarsChanged();
+    Repaint();
+}
+
+void MainView::HorizontalScroll(ScrollEvent event, int32_t track) {
+    const ScrollBar& b = hScrollBar;
+    const int32_t last = b.maximum - (b.page - 1);
+    switch (event) {
+    case LineUp:
+        if (b.position >= 1)
+            StoreHorizontal(b.position - 1);
+        break;
+    case LineDown:
+        if (b.position < last)
+            StoreHorizontal(b.position + 1);
+        break;
+    case PageUp:
+        StoreHorizontal(b.position - b.page);
+        break;
+    case PageDown:
+        StoreHorizontal(b.position + b.page);
+        break;
+    case ThumbTrack:
+        if (track >= 0 && track <= last)
+            StoreHorizontal(track);
+        break;
+    default:
+        break;
+    }
+}
+
+void MainView::ScrollMeasure(int32_t direction) {
+    HorizontalScroll(direction < 0 ? LineUp : LineDown, 0);
+}
+
+void MainView::VerticalScroll(ScrollEvent event, int32_t track) {
+    ScrollBar& b = vScrollBar;
+    const int32_t last = b.maximum - (b.page - 1);
+    int32_t to = -1;
+    if (event == LineUp && rowList.firstVisible != 0)
+        to = rowList.firstVisible - 1;
+    else if (event == LineDown && b.position < last)
+        to = b.position + 1;
+    else if (event == ThumbTrack && track >= 0 && track <= last)
+        to = track;
+    if (to < 0)
+        return;
+    rowList.firstVisible = to;
+    b.position = to;
+    RebuildRowList();
+    Repaint();
+}
+
+void MainView::ClearSlots() {
+    for (RowSlot& s : slots) {
+        s.highlighted = 0;
+        s.visible = 0;
+    }
+}
+
+void MainView::UnplaceListRows() {
+    for (RowSlot& entry : rowList.entries)
+        entry.row->Unplace();
+}
+
+void MainView::SetViewMode(int32_t mode) {
+    if (mode < 1 || mode > 3)
+        return;
+    if (mode != viewMode && theClockDisplay != nullptr)
+        theClockDisplay->Clear();
+    if (viewMode == Insts) {
+        ClearSlots();
+        for (Instrument* i : instruments)
+            i->GetSequencer()->Unplace();
+        SelectInstrument(currentInstrument);
+        RebuildRowList();
+    } else {
+        ClearSlots();
+        UnplaceListRows();
+    }
+    viewMode = static_cast<uint8_t>(mode);
+    Repaint();
+}
+
+void MainView::RegisterCurrentPlayhead() {
+    theEngine->AddPlayhead(Current()->GetSchedule()->GetPlayhead());
+}
+
+void MainView::PushNotationalFractions() {
+    for (Instrument* i : instruments)
+        i->GetBank()->SetLinesFractions(notationalFractions);
+}
+
+double MainView::TempoStepMs() const {
+    return instruments.empty() ? 0.0 : instruments[0]->GetSchedule()->stepMs;
+}
+
+void MainView::SetTempoAll(double stepMs) {
+    for (Instrument* i : instruments)
+        i->GetSchedule()->SetTempo(stepMs);
+}
+
+void MainView::SkipAll(int32_t ticks) {
+    for (Instrument* i : instruments)
+        i->GetSchedule()->playhead.Skip(ticks);
+}
+
+void MainView::ComputeRects(int32_t w, int32_t h) {
+    const int32_t b = Trunc(h * 0.2);
+    const int32_t r = Trunc(w * split);
+    clientRect = Rect{0, 0, w, h};
+    topBandRect = Rect{0, 0, w, b};
+    nameBoxRect = Rect{Trunc(w * 0.02), Trunc(b * 0.2), Trunc(w * 0.22), Trunc(b * 0.75)};
+    topPanelRect = Rect{Trunc(w * 0.225), 0, Trunc(w * 0.8), Trunc(b * 0.74)};
+    const double zoomLefts[3] = {0.81, 0.87, 0.93};
+    for (int i = 0; i < 3; ++i)
+        zoomBoxRects[i] = Rect{Trunc(w * zoomLefts[i]), Trunc(b * 0.25),
+                               Trunc(w * (zoomLefts[i] + 0.05)), Trunc(b * 0.65)};
+    nameColumnRect = Rect{0, b, r, h};
+    rowColumnRect = Rect{r + 4, b, w, h};
+    hScrollRect = Rect{r + 8, Trunc(b * 0.75), w - 4, Trunc(b * 0.96)};
+    const double third = (nameBoxRect.bottom - nameBoxRect.top) * 0.3333333333333333;
+    int32_t top = nameBoxRect.top;
+    int32_t bottom = Trunc(top + third);
+    for (Rect& cell : nameCells) {
+        cell = Rect{nameBoxRect.left, top, nameBoxRect.right, bottom};
+        top = Trunc(top + third);
+        bottom = Trunc(bottom + third);
+    }
+}
+
+void MainView::LayOutSlots() {
+    const int32_t n = slotCount;
+    const int32_t b = topBandRect.bottom;
+    const int32_t h = clientRect.bottom;
+    for (int32_t i = 0; i < n; ++i) {
+        RowSlot& s = slots[i];
+        s.left = 0;
+        s.right = nameColumnRect.right;
+        s.top = Trunc(static_cast<double>(i) / n * (h - b) + b);
+        s.bottom = Trunc(static_cast<double>(i + 1) / n * (h - b) + b);
+    }
+    slotsLaidOut = 1;
+}
+
+void MainView::FillSlots() {
+    const int32_t n = slotCount;
+    if (viewMode != Insts) {
+        for (int32_t i = 0; i < n; ++i) {
+            const int32_t j = rowList.firstVisible + i;
+            RowSlot& s = slots[i];
+            s.visible = j < rowList.Count() ? 1 : 0;
+            if (!s.visible)
+                continue;
+            const RowSlot& e = rowList.entries[j];
+            s.row = e.row;
+            s.type = e.type;
+            s.highlighted = e.highlighted;
+            s.index = e.index;
+        }
+        return;
+    }
+    // Two slots an instrument: its sequencer box and an empty cell. Only
+    // slots inside the array are touched when the count is odd.
+    size_t next = 0;
+    for (int32_t s = 0; s < n; s += 2) {
+        const bool used = next < instruments.size();
+        slots[s].highlighted = 0;
+        slots[s].visible = used ? 1 : 0;
+        if (used) {
+            slots[s].row = instruments[next++]->GetSequencer();
+            slots[s].type = Row::SequencerRowKind;
+            slots[s].index = s;
+        }
+        if (s + 1 < n) {
+            slots[s + 1].highlighted = 0;
+            slots[s + 1].visible = 0;
+        }
+    }
+}
+
+void MainView::PaintTopBand(Canvas& canvas) {
+    canvas.FrameRect(topBandRect, Black);
+    canvas.FrameRect(nameColumnRect, Black);
+    canvas.FillRect(nameBoxRect, White);
+    for (int i = 0; i < 3; ++i) {
+        if (i == 1)
+            canvas.FillRect(nameCells[i], Gray);
+        canvas.Text(nameCells[i], instrumentNames[i].c_str(), CurrentFont, TextLeft, Black);
+        canvas.FrameRect(nameCells[i], Black);
+    }
+    canvas.FillRect(zoomBoxRects[zoomMode - 1], Gray);
+    const char* labels[3] = {"Zm 1", "Zm 2", "Zm 3"};
+    for (int i = 0; i < 3; ++i)
+        canvas.Text(zoomBoxRects[i], labels[i], CurrentFont,
+                    TextSingleLine | TextCenter | TextVCenter, Black);
+    for (const Rect& box : zoomBoxRects)
+        canvas.FrameRect(box, Black);
+    canvas.FrameRect(topPanelRect, Black);
+}
+
+void MainView::Paint(Canvas& canvas, int32_t width, int32_t height) {
+    if (width != clientRect.right || height != clientRect.bottom)
+        slotsLaidOut = 0;
+    ComputeRects(width, height);
+    PaintTopBand(canvas);
+    if (!slotsLaidOut) {
+        LayOutSlots();
+        host->ScrollBarsChanged();
+    }
+    UnplaceListRows();
+    FillSlots();
+    if (theClockDisplay != nullptr)
+        theClockDisplay->Clear();
+    for (const RowSlot& s : slots) {
+        const Rect cell{s.left, s.top, s.right, s.bottom};
+        if (s.visible) {
+            if (s.highlighted)
+                canvas.FillRect(cell, Gray);
+            const char* name = s.row->GetName();
+            canvas.Text(cell, name != nullptr ? name : "", CurrentFont, TextLeft, Black);
+        }
+        canvas.FrameRect(cell, Black);
+    }
+    for (const RowSlot& s : slots)
+        if (s.visible)
+            s.row->Place(Rect{rowColumnRect.left, s.top, rowColumnRect.right, s.bottom}, &canvas);
+}

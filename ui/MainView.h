@@ -1,0 +1,118 @@
+#pragma once
+
+#include "song/InstrumentView.h"
+#include "ui/Canvas.h"
+#include "ui/RowList.h"
+#include "ui/ScrollBar.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class Instrument;
+
+// What the view asks of its window. Called with the engine lock held, also
+// from the tick (keys): an implementation only raises flags or queues, and
+// the GUI thread does the window work.
+class ViewHost {
+  public:
+    virtual ~ViewHost() = default;
+    // The whole view is to be drawn anew.
+    virtual void RequestRepaint() = 0;
+    // The scroll bars or the layout of the window's parts changed.
+    virtual void ScrollBarsChanged() = 0;
+    virtual void ShowInstrumentBar() = 0;
+    virtual void RefreshPatternBar() = 0;
+};
+
+// The view's logic and drawing: the list of open instruments, which one is on
+// the screen, its rows stacked in screen slots, the view modes, the zooms and
+// the two scroll positions. It draws on a Canvas; the window replays that.
+// Every operation runs with the engine lock held.
+class MainView : public InstrumentView {
+  public:
+    enum Mode : uint8_t { LineDetail = 1, Insts = 2 };
+    enum ScrollEvent { LineUp, LineDown, PageUp, PageDown, ThumbTrack, ThumbRelease };
+
+    explicit MainView(ViewHost* host);
+    ~MainView() override;
+    MainView(const MainView&) = delete;
+    MainView& operator=(const MainView&) = delete;
+
+    void NewInstrument();
+    void AddInstrument(Instrument* instrument);
+    void CloseInstrument();
+    void SelectInstrument(int32_t index);
+    void RebuildRowList();
+    void RefreshInstrument() override;
+    void PatternLengthChanged() override;
+    void LineSelectionChanged(Line*) override {}
+    void FocusSequencer(SequencerRow*) override {}
+    void AddFocusSequencer(SequencerRow*) override {}
+    void SetSlotCount(int32_t count);
+    void SelectZoom1() { SelectZoom12(1, zoom1Measures); }
+    void SelectZoom2() { SelectZoom12(2, zoom2Measures); }
+    void SelectZoom3();
+    void ChangeZoom(int32_t which, int32_t direction);
+    void ScrollMeasure(int32_t direction);
+    void SetViewMode(int32_t mode);
+    void RegisterCurrentPlayhead();
+    void PushNotationalFractions();
+    double TempoStepMs() const;
+    void SetTempoAll(double stepMs);
+    void SkipAll(int32_t ticks);
+    void VerticalScroll(ScrollEvent event, int32_t track);
+    void HorizontalScroll(ScrollEvent event, int32_t track);
+    void Repaint() { host->RequestRepaint(); }
+
+    // Draws the whole view for a client area of width by height pixels and
+    // places the visible rows on the canvas, which they keep until the next
+    // paint. GUI thread.
+    void Paint(Canvas& canvas, int32_t width, int32_t height);
+
+    Instrument* Current() const { return instruments[currentInstrument]; }
+
+    uint8_t notationalFractions = 1;
+    int32_t instrumentSerial = 0;
+    uint8_t viewMode = LineDetail;
+    uint8_t pasteMode = 0;
+    uint8_t dropFilterKey = 0;
+    int32_t focusKind = -1;
+    int32_t focusSlot = -1;
+    int32_t zoom3Position = 0;
+    int32_t zoom12Position = 0;
+    ScrollBar hScrollBar;
+    ScrollBar vScrollBar;
+    int32_t zoom3Measures = -1;
+    int32_t zoom2Measures = 4;
+    int32_t zoom1Measures = 2;
+    int32_t zoomMode = 1;
+    Rect clientRect{}, topBandRect{}, nameBoxRect{}, topPanelRect{};
+    Rect zoomBoxRects[3] = {};
+    Rect nameColumnRect{}, rowColumnRect{}, hScrollRect{};
+    Rect nameCells[3] = {};
+    uint8_t slotsLaidOut = 0;
+    std::string instrumentNames[3];
+    int32_t currentInstrument = 0;
+    RowList rowList;
+    std::vector<RowSlot> slots;
+    int32_t slotCount = 15;
+    std::vector<Instrument*> instruments;
+    double split = 0.225;
+
+  private:
+    void SelectZoom12(int32_t mode, int32_t width);
+    void ApplyZoom();
+    void SetLineWindow(int32_t measures, int32_t first);
+    int32_t PatternMeasures() const;
+    void SetVerticalBar();
+    void ClearSlots();
+    void UnplaceListRows();
+    void ComputeRects(int32_t width, int32_t height);
+    void LayOutSlots();
+    void FillSlots();
+    void PaintTopBand(Canvas& canvas);
+    void StoreHorizontal(int32_t position);
+
+    ViewHost* host;
+};

@@ -1,0 +1,223 @@
+#include "ui/ViewWidget.h"
+
+#include "editing/Line.h"
+#include "engine/EngineLock.h"
+#include "song/Instrument.h"
+#include "song/PatternBank.h"
+#include "ui/CMainFrame.h"
+#include "ui/CanvasPainter.h"
+
+#include <QPainter>
+#include <QScrollBar>
+#include <QTimer>
+#include <mutex>
+
+namespace {
+using Guard = std::lock_guard<std::mutex>;
+
+MainView::ScrollEvent EventOf(int action) {
+    switch (action) {
+    case QAbstractSlider::SliderSingleStepSub:
+        return MainView::LineUp;
+    case QAbstractSlider::SliderSingleStepAdd:
+        return MainView::LineDown;
+    case QAbstractSlider::SliderPageStepSub:
+        return MainView::PageUp;
+    case QAbstractSlider::SliderPageStepAdd:
+        return MainView::PageDown;
+    default:
+        return MainView::ThumbTrack;
+    }
+}
+} // namespace
+
+ViewWidget::ViewWidget(QWidget* parent)
+    : QWidget(parent), hBar(new QScrollBar(Qt::Horizontal, this)),
+      vBar(new QScrollBar(Qt::Vertical, this)), poll(new QTimer(this)) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setFocusPolicy(Qt::NoFocus);
+    hBar->setFocusPolicy(Qt::NoFocus);
+    vBar->setFocusPolicy(Qt::NoFocus);
+    connect(hBar, &QScrollBar::actionTriggered, this, [this](int a) { OnHorizontal(a); });
+    connect(vBar, &QScrollBar::actionTriggered, this, [this](int a) { OnVertical(a); });
+    connect(poll, &QTimer::timeout, this, [this] { Poll(); });
+    poll->start(5);
+}
+
+ViewWidget::~ViewWidget() {
+    DeleteView();
+}
+
+void ViewWidget::DeleteView() {
+    poll->stop();
+    Guard guard(theEngineLock);
+    delete view;
+    view = nullptr;
+}
+
+void ViewWidget::CreateView() {
+    Guard guard(theEngineLock);
+    view = new MainView(this);
+}
+
+// Does the window work that requests made under the engine lock asked for.
+void ViewWidget::Poll() {
+    if (view == nullptr)
+        return;
+    if (repaintWanted.exchange(false) | canvas.TakeRequest())
+        update();
+    if (barsChanged.exchange(false))
+        MirrorScrollBars();
+    if (theClockDisplay != nullptr && theClockDisplay->TakeFrame(clocks))
+        update();
+    if (frame != nullptr && instrumentBarWanted.exchange(false))
+        frame->ShowInstrumentBar();
+    if (frame != nullptr && patternBarWanted.exchange(false))
+        frame->RefreshPatternBar();
+}
+
+// Qt's bars hold the position between minimum and maximum; the view's hold it
+// between minimum and maximum - page + 1, so the mirrored maximum is that.
+void ViewWidget::MirrorScrollBars() {
+    ScrollBar h, v;
+    Rect place{};
+    {
+        Guard guard(theEngineLock);
+        if (view == nullptr)
+            return;
+        h = view->hScrollBar;
+        v = view->vScrollBar;
+        place = view->hScrollRect;
+    }
+    mirroring = true;
+    hBar->setRange(h.minimum, h.maximum - h.page + 1);
+    hBar->setPageStep(h.page);
+    hBar->setValue(h.position);
+    vBar->setRange(v.minimum, std::max(v.minimum, v.maximum - v.page + 1));
+    vBar->setPageStep(std::max(1, v.page));
+    vBar->setValue(v.position);
+    mirroring = false;
+    hBar->setGeometry(place.left, place.top, place.right - place.left, place.bottom - place.top);
+    const int width = vBar->sizeHint().width();
+    vBar->setGeometry(this->width() - width, place.bottom, width, height() - place.bottom);
+}
+
+void ViewWidget::OnHorizontal(int action) {
+    if (mirroring)
+        return;
+    {
+        Guard guard(theEngineLock);
+        view->HorizontalScroll(EventOf(action), hBar->sliderPosition());
+    }
+    MirrorScrollBars();
+}
+
+void ViewWidget::OnVertical(int action) {
+    if (mirroring)
+        return;
+    {
+        Guard guard(theEngineLock);
+        view->VerticalScroll(EventOf(action), vBar->sliderPosition());
+    }
+    MirrorScrollBars();
+}
+
+void ViewWidget::resizeEvent(QResizeEvent*) {
+    update();
+}
+
+// The rows record their drawing under the engine lock; the pixels are drawn
+// from the copy after the lock is let go.
+void ViewWidget::paintEvent(QPaintEvent*) {
+    std::vector<CanvasRecord> records;
+    {
+        Guard guard(theEngineLock);
+        if (view == nullptr)
+            return;
+        canvas.records.clear();
+        view->Paint(canvas, width(), height());
+        records.swap(canvas.records);
+    }
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().window());
+    CanvasPainter(painter).Replay(records);
+    PaintClocks(painter);
+    if (barsChanged.exchange(false))
+        MirrorScrollBars();
+}
+
+// The clock texts of the newest refresh, each over its cell, in 10-point
+// Times on an opaque background.
+void ViewWidget::PaintClocks(QPainter& painter) {
+    painter.setFont(CanvasPainter::FontFor("Times", 100));
+    for (int32_t i = 0; i < clocks.count; ++i) {
+        const ClockText& t = clocks.texts[i];
+        const QRect cell(t.rect.left, t.rect.top, t.rect.right - t.rect.left,
+                         t.rect.bottom - t.rect.top);
+        const QString text = t.measure != 0 ? QString("%1:%2").arg(t.measure).arg(t.beat)
+                                            : QStringLiteral("stopped");
+        const QRect extent = painter.boundingRect(cell, Qt::AlignLeft | Qt::AlignTop, text);
+        painter.save();
+        painter.setClipRect(cell);
+        painter.fillRect(extent, Qt::white);
+        painter.setPen(Qt::black);
+        painter.drawText(cell, Qt::AlignLeft | Qt::AlignTop, text);
+        painter.restore();
+    }
+}
+
+void ViewWidget::NewInstrument() {
+    Guard guard(theEngineLock);
+    view->NewInstrument();
+}
+
+void ViewWidget::CloseInstrument() {
+    Guard guard(theEngineLock);
+    view->CloseInstrument();
+}
+
+void ViewWidget::SetViewMode(int32_t mode) {
+    Guard guard(theEngineLock);
+    view->SetViewMode(mode);
+}
+
+ViewBarFields ViewWidget::ViewBarValues() {
+    Guard guard(theEngineLock);
+    return ViewBarFields{view->split,         view->slotCount,     view->zoom1Measures,
+                         view->zoom2Measures, view->zoom3Measures, view->notationalFractions != 0};
+}
+
+double ViewWidget::TempoStepMs() {
+    Guard guard(theEngineLock);
+    return view->TempoStepMs();
+}
+
+LineBarFields ViewWidget::LineBarValues(Line* line) {
+    Guard guard(theEngineLock);
+    if (line == nullptr)
+        return LineBarFields{"", "", -2};
+    return LineBarFields{line->name, "", line->controlGroup};
+}
+
+std::string ViewWidget::MultiLineFilterText() {
+    return "";
+}
+
+InstrumentBarFields ViewWidget::InstrumentBarValues() {
+    Guard guard(theEngineLock);
+    Instrument* inst = view->Current();
+    return InstrumentBarFields{inst->displayName, inst->GetControlCount()};
+}
+
+PatternBarFields ViewWidget::PatternBarValues() {
+    Guard guard(theEngineLock);
+    PatternBank* bank = view->Current()->GetBank();
+    return PatternBarFields{bank->GetCurrentPattern(), bank->GetMeasures(), bank->repeat, false};
+}
+
+NoteBarFields ViewWidget::NoteBarValues(Line* line, bool) {
+    Guard guard(theEngineLock);
+    if (line == nullptr)
+        return NoteBarFields{PlayPoint{}, 0};
+    return NoteBarFields{line->defaultNote, line->LongestSampleMs()};
+}

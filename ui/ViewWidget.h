@@ -1,0 +1,86 @@
+#pragma once
+
+#include "engine/ClockDisplay.h"
+#include "ui/FrameCommands.h"
+#include "ui/MainView.h"
+#include "ui/RecordingCanvas.h"
+
+#include <QWidget>
+#include <atomic>
+
+class CMainFrame;
+class QScrollBar;
+class QTimer;
+
+// The canvas the rows keep between paints. Drawing is recorded during the
+// view's paint; a row's request for a repaint, which may come from the tick,
+// only raises a flag that the GUI thread polls.
+class SharedCanvas : public RecordingCanvas {
+  public:
+    void RequestRepaint(const Rect&) override { wanted.store(true, std::memory_order_release); }
+    bool TakeRequest() { return wanted.exchange(false, std::memory_order_acq_rel); }
+
+  private:
+    std::atomic<bool> wanted{false};
+};
+
+// The main view's window: it paints the view's records with QPainter, draws
+// the clocks, mirrors the horizontal and vertical scroll bars, and turns
+// requests made under the engine lock (also by the tick) into window work
+// on a timer. GUI thread only; it takes the engine lock around each model
+// call and never holds it while drawing pixels.
+class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
+  public:
+    explicit ViewWidget(QWidget* parent = nullptr);
+    ~ViewWidget() override;
+
+    // Builds the model's view and its first instrument; call once, before
+    // the tick starts.
+    void CreateView();
+    // Removes every playhead from the engine and deletes every instrument.
+    void DeleteView();
+    MainView* View() { return view; }
+    void SetFrame(CMainFrame* f) { frame = f; }
+
+    // ViewHost: engine lock held, any thread.
+    void RequestRepaint() override { repaintWanted.store(true, std::memory_order_release); }
+    void ScrollBarsChanged() override { barsChanged.store(true, std::memory_order_release); }
+    void ShowInstrumentBar() override { instrumentBarWanted.store(true); }
+    void RefreshPatternBar() override { patternBarWanted.store(true); }
+
+    // FrameCommands: GUI thread.
+    void NewInstrument() override;
+    void CloseInstrument() override;
+    void SetViewMode(int32_t mode) override;
+    ViewBarFields ViewBarValues() override;
+    double TempoStepMs() override;
+    LineBarFields LineBarValues(Line* line) override;
+    std::string MultiLineFilterText() override;
+    InstrumentBarFields InstrumentBarValues() override;
+    PatternBarFields PatternBarValues() override;
+    NoteBarFields NoteBarValues(Line* line, bool isSelection) override;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    void Poll();
+    void MirrorScrollBars();
+    void OnHorizontal(int action);
+    void OnVertical(int action);
+    void PaintClocks(QPainter& painter);
+
+    MainView* view = nullptr;
+    CMainFrame* frame = nullptr;
+    SharedCanvas canvas;
+    QScrollBar* hBar;
+    QScrollBar* vBar;
+    QTimer* poll;
+    ClockFrame clocks{};
+    bool mirroring = false;
+    std::atomic<bool> repaintWanted{false};
+    std::atomic<bool> barsChanged{false};
+    std::atomic<bool> instrumentBarWanted{false};
+    std::atomic<bool> patternBarWanted{false};
+};
