@@ -19,4 +19,11 @@ set(CORE_SOURCES
     ui/Row.cpp
     ui/MainView.cpp
     editing/Line.cpp
+    song/FileArchive.cpp
+    song/DiskFile.cpp
+    song/SetSave.cpp
+    song/SamplePath.cpp
+    song/InstrumentFile.cpp
+    engine/RenderOptions.cpp
+    engine/RenderCommand.cpp
 )

@@ -1,5 +1,6 @@
 #include "engine/AudioCallback.h"
 #include "engine/Engine.h"
+#include "engine/RenderCommand.h"
 #include "engine/RtAudioOutput.h"
 #include "engine/SoundSystem.h"
 
@@ -9,8 +10,11 @@
 
 // Opens the sound output, runs the tick on its clock and plays until SIGINT
 // or SIGTERM. Without a usable sound device: one line on standard error and
-// exit code 255.
-int main() {
+// exit code 255. Any argument makes it a command line tool (--render,
+// --help), which needs no display and no sound device.
+int main(int argc, char** argv) {
+    if (argc > 1)
+        return RenderMain(argc, argv);
     // The signals are taken by sigwait on this thread only; every thread made
     // from here on (the audio threads too) inherits the blocked mask.
     sigset_t stopSignals;

@@ -60,10 +60,15 @@ CanvasPainter::CanvasPainter(QPainter& p) : painter(p) {
 QFont CanvasPainter::FontFor(const std::string& name, int32_t pointSize10) {
     if (name.empty())
         return CurrentQFont();
-    // No style hint: with one, Qt picks its default family of that style
-    // instead of asking fontconfig for the name's substitute.
-    QFont font(name == "Small Fonts" ? QStringLiteral("DejaVu Sans")
-                                     : QString::fromStdString(name));
+    // The two names the rows use go to the bundled fonts by name, so that the
+    // drawing does not change with whatever other fonts a machine has (a
+    // machine with the URW fonts would otherwise draw "Times" in those).
+    QString family = QString::fromStdString(name);
+    if (name == "Small Fonts")
+        family = QStringLiteral("DejaVu Sans");
+    else if (name == "Times")
+        family = QStringLiteral("Liberation Serif");
+    QFont font(family);
     font.setPointSizeF(pointSize10 / 10.0);
     return font;
 }

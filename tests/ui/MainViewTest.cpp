@@ -66,8 +66,9 @@ TEST_P(RowHeights, DifferByAtMostOnePixelAndShareEdges) {
         const RowSlot& s = f.view.slots[i];
         low = std::min(low, s.bottom - s.top);
         high = std::max(high, s.bottom - s.top);
-        if (i > 0)
+        if (i > 0) {
             EXPECT_EQ(s.top, f.view.slots[i - 1].bottom);
+        }
     }
     EXPECT_LE(high - low, 1);
     EXPECT_EQ(f.view.slots.back().bottom, GetParam().height);

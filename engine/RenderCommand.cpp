@@ -1,0 +1,160 @@
+#include "engine/RenderCommand.h"
+
+#include "engine/AudioCallback.h"
+#include "engine/Engine.h"
+#include "engine/EngineLock.h"
+#include "engine/OfflineOutput.h"
+#include "engine/Schedule.h"
+#include "engine/SequencerRow.h"
+#include "engine/SoundSystem.h"
+#include "song/DiskFile.h"
+#include "song/FileArchive.h"
+#include "song/Instrument.h"
+#include "song/InstrumentFile.h"
+
+#include <bit>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+static_assert(std::endian::native == std::endian::little, "the WAV data is written as it is");
+
+namespace {
+
+// Frames pulled at a time; the tick grid does not depend on it.
+constexpr int32_t Period = 4096;
+// RIFF header, an 18-byte format chunk, a "fact" chunk and the data chunk's head.
+constexpr uint32_t HeaderBytes = 58;
+
+void PutWaveHeader(uint8_t* h, int32_t rate, uint32_t frames) {
+    const uint32_t dataBytes = frames * 8;
+    const auto text = [&](int at, const char* id) {
+        for (int i = 0; i < 4; ++i)
+            h[at + i] = static_cast<uint8_t>(id[i]);
+    };
+    text(0, "RIFF");
+    PutLE(h + 4, HeaderBytes - 8 + dataBytes, 4);
+    text(8, "WAVE");
+    text(12, "fmt ");
+    PutLE(h + 16, 18, 4);
+    PutLE(h + 20, 3, 2); // IEEE float
+    PutLE(h + 22, 2, 2);
+    PutLE(h + 24, static_cast<uint32_t>(rate), 4);
+    PutLE(h + 28, static_cast<uint32_t>(rate) * 8, 4);
+    PutLE(h + 32, 8, 2);
+    PutLE(h + 34, 32, 2);
+    PutLE(h + 36, 0, 2);
+    text(38, "fact");
+    PutLE(h + 42, 4, 4);
+    PutLE(h + 46, frames, 4);
+    text(50, "data");
+    PutLE(h + 54, dataBytes, 4);
+}
+
+// The engine and the instruments of one render. The instruments go first, and
+// under the engine lock: their sound buffers hand their samples back to the
+// mixer, whose command queue only the lock's holder may fill.
+struct Session {
+    Session() : previousEngine(theEngine) { theEngine = &engine; }
+    ~Session() {
+        std::lock_guard<std::mutex> hold(theEngineLock);
+        for (auto& i : instruments)
+            engine.RemovePlayhead(i->GetSchedule()->GetPlayhead());
+        instruments.clear();
+        theEngine = previousEngine;
+    }
+
+    Engine* previousEngine;
+    Engine engine;
+    SoundSystem sounds;
+    std::vector<std::unique_ptr<Instrument>> instruments;
+};
+
+// After the Load command's AddInstrument, Mute and Unmute, the level of the
+// options, the common tempo, then the pattern from tick 0 as Enter starts it.
+void Start(Session& s, Instrument& instrument, const RenderOptions& options) {
+    std::lock_guard<std::mutex> hold(theEngineLock);
+    instrument.AttachView(nullptr);
+    instrument.Mute();
+    instrument.Unmute();
+    instrument.SetLevel(0, options.level);
+    instrument.SetNumber(static_cast<int32_t>(s.instruments.size()));
+    instrument.GetSchedule()->SetTempo(60000.0 / options.bpm);
+    s.engine.AddPlayhead(instrument.GetSchedule()->GetPlayhead());
+    SequencerRow* sequencer = instrument.GetSequencer();
+    sequencer->SetCueMode(SequencerRow::Lock);
+    sequencer->currentNumber = static_cast<uint8_t>(options.pattern);
+    sequencer->Restart();
+}
+
+// The frames to render: as asked, or one pass of the longest pattern.
+int64_t FramesToRender(const Session& s, const RenderOptions& options) {
+    if (options.seconds > 0.0)
+        return std::llround(options.seconds * options.rate);
+    int32_t longest = 0;
+    for (const auto& i : s.instruments)
+        longest = std::max(longest, i->schedule.lengthTicks);
+    return AudioCallback::TickFrame(longest, options.rate);
+}
+
+void WriteRender(Session& s, const RenderOptions& options, uint32_t frames) {
+    OfflineOutput output(options.rate, Period);
+    AudioCallback callback(&s.engine, s.sounds.GetMixer());
+    output.Start(callback);
+    ReplacingFile file(options.output);
+    uint8_t header[HeaderBytes];
+    PutWaveHeader(header, options.rate, frames);
+    file.Write(header, HeaderBytes);
+    for (uint32_t done = 0; done < frames;) {
+        const uint32_t n = std::min<uint32_t>(frames - done, Period);
+        file.Write(output.PullPeriod(), sizeof(float) * 2 * n);
+        done += n;
+    }
+    output.Stop();
+    file.Commit();
+}
+
+} // namespace
+
+int Render(const RenderOptions& options, std::string& error) {
+    Session s;
+    try {
+        for (const std::string& path : options.files) {
+            s.instruments.push_back(LoadInstrument(path, &s.sounds));
+            Start(s, *s.instruments.back(), options);
+            // No output runs yet, so this thread may drain the mixer's queue,
+            // which a long list of instruments could otherwise fill.
+            s.sounds.GetMixer().ApplyCommands();
+        }
+        const int64_t frames = FramesToRender(s, options);
+        if (frames * 8 > static_cast<int64_t>(UINT32_MAX - HeaderBytes)) {
+            error = options.output + ": the patterns are too long for one WAV file; use --seconds";
+            return 1;
+        }
+        WriteRender(s, options, static_cast<uint32_t>(frames));
+    } catch (const FileError& e) {
+        error = e.what();
+        return 1;
+    }
+    return 0;
+}
+
+int RenderMain(int argc, const char* const* argv) {
+    RenderOptions options;
+    const std::string refused = ParseRenderOptions(argc - 1, argv + 1, options);
+    if (!refused.empty()) {
+        std::fprintf(stderr, "oxbowlantern: %s\n", refused.c_str());
+        return 2;
+    }
+    if (options.help) {
+        std::fputs(RenderUsage().c_str(), stdout);
+        return 0;
+    }
+    std::string error;
+    const int code = Render(options, error);
+    if (code != 0)
+        std::fprintf(stderr, "oxbowlantern: %s\n", error.c_str());
+    return code;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// What a `--render` command line asks for.
+struct RenderOptions {
+    std::string output;             // the WAV file to write
+    std::vector<std::string> files; // the instrument files, in order
+    int32_t pattern = 1;            // the pattern every instrument starts, 1 to 16
+    double seconds = 0.0;           // 0: one pass of the longest pattern
+    double bpm = 120.0;
+    int32_t rate = 48000;
+    double level = 0.9; // each instrument's own level
+    bool help = false;
+};
+
+// The text of --help.
+std::string RenderUsage();
+
+// Reads the arguments after the program's name into options. Returns an
+// empty string, or the one-line reason the command line is refused.
+std::string ParseRenderOptions(int argc, const char* const* argv, RenderOptions& options);
