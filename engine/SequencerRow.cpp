@@ -135,29 +135,7 @@ void SequencerRow::Launch() {
             Restart();
         Repaint();
     }
-    switch (cueMode) {
-    case Next:
-    case Back:
-        if (queue[0] == Empty)
-            return;
-        SwitchTo(queue[0]);
-        Restart();
-        if (cueMode == Next)
-            cueMode = Lock;
-        PopQueue();
-        Repaint();
-        break;
-    case Prog:
-        if (program[programIndex] != Empty) {
-            SwitchTo(program[programIndex]);
-            Restart();
-            AdvanceProgram();
-        }
-        Repaint();
-        break;
-    default:
-        break;
-    }
+    TakeEntry(true);
 }
 
 void SequencerRow::SkipForward() {
@@ -170,20 +148,31 @@ void SequencerRow::SkipForward() {
             Repaint();
         }
     }
+    TakeEntry(false);
+}
+
+// Takes the next entry by the cue mode: the queue's first in NEXT (which then
+// falls back to LOCK) and <---, the program's next slot in PROG. A launch
+// also starts it from tick 0.
+void SequencerRow::TakeEntry(bool restart) {
     switch (cueMode) {
     case Next:
     case Back:
-        if (queue[0] != Empty) {
-            SwitchTo(queue[0]);
-            if (cueMode == Next)
-                cueMode = Lock;
-            PopQueue();
-            Repaint();
-        }
+        if (queue[0] == Empty)
+            return;
+        SwitchTo(queue[0]);
+        if (restart)
+            Restart();
+        if (cueMode == Next)
+            cueMode = Lock;
+        PopQueue();
+        Repaint();
         break;
     case Prog:
         if (program[programIndex] != Empty) {
             SwitchTo(program[programIndex]);
+            if (restart)
+                Restart();
             AdvanceProgram();
         }
         Repaint();

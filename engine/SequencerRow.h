@@ -65,6 +65,7 @@ class SequencerRow : public Row {
   private:
     void PopQueue();
     void AdvanceProgram();
+    void TakeEntry(bool restart);
     void StoreInSlot(uint8_t* slots, int32_t slotCount, uint8_t entry);
     void Layout();
     void PaintSlots(const Rect* rects, int32_t n, int8_t slotFocus, const uint8_t* entries,
