@@ -1,0 +1,95 @@
+#include "ui/Application.h"
+
+#include "engine/AudioCallback.h"
+#include "engine/ClockDisplay.h"
+#include "engine/Engine.h"
+#include "engine/EngineLock.h"
+#include "engine/RtAudioOutput.h"
+#include "engine/SoundSystem.h"
+#include "song/FileArchive.h"
+#include "song/Instrument.h"
+#include "song/InstrumentFile.h"
+#include "ui/CMainFrame.h"
+#include "ui/SignalExit.h"
+#include "ui/ViewWidget.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <csignal>
+#include <cstdio>
+#include <mutex>
+#include <pthread.h>
+
+namespace {
+
+// The stop signals are taken by the window (SignalExit) on the GUI thread;
+// every other thread, the audio threads among them, keeps them blocked.
+void BlockStopSignals() {
+    sigset_t stop;
+    sigemptyset(&stop);
+    sigaddset(&stop, SIGINT);
+    sigaddset(&stop, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &stop, nullptr);
+}
+
+// Loads each named instrument file as the Load command does; a refused file
+// is named with its reason and the others still load.
+void LoadNamedFiles(int argc, char** argv, ViewWidget& view, SoundSystem& sounds) {
+    for (int i = 1; i < argc; ++i) {
+        try {
+            std::unique_ptr<Instrument> inst = LoadInstrument(argv[i], &sounds);
+            std::lock_guard<std::mutex> guard(theEngineLock);
+            view.View()->AddInstrument(inst.release());
+        } catch (const FileError& e) {
+            QMessageBox::warning(&view, "oxbowlantern", QString::fromStdString(e.what()));
+        }
+    }
+}
+
+} // namespace
+
+int RunApplication(int argc, char** argv) {
+    BlockStopSignals();
+    QApplication app(argc, argv);
+
+    ViewWidget* view = new ViewWidget; // the frame owns it
+    view->CreateView();
+    CMainFrame frame(view, view);
+    view->SetFrame(&frame);
+    frame.setWindowTitle("oxbowlantern          Version 1.0 ");
+    SignalExit signalExit(&frame);
+    frame.show();
+
+    theEngine = new Engine;
+    theClockDisplay = new ClockDisplay;
+    theEngine->SetClockDisplay(theClockDisplay);
+    SoundSystem* sounds = new SoundSystem;
+    AudioCallback callback(theEngine, sounds->GetMixer());
+    RtAudioOutput output;
+    if (!output.Start(callback)) {
+        std::fprintf(stderr, "oxbowlantern: no usable sound device (no JACK server, PulseAudio or "
+                             "ALSA default output)\n");
+        return 255;
+    }
+    {
+        std::lock_guard<std::mutex> guard(theEngineLock);
+        MainView* v = view->View();
+        v->notationalFractions = 1;
+        v->PushNotationalFractions();
+        v->RegisterCurrentPlayhead();
+        v->RefreshInstrument();
+    }
+    LoadNamedFiles(argc, argv, *view, *sounds);
+
+    const int code = app.exec();
+
+    // The view removes every playhead and deletes every instrument before
+    // the sound goes, and the sound before the engine.
+    frame.close();
+    view->DeleteView();
+    output.Stop();
+    delete sounds;
+    delete theEngine;
+    theEngine = nullptr;
+    return code;
+}
