@@ -130,7 +130,8 @@ int Render(const RenderOptions& options, std::string& error) {
         }
         const int64_t frames = FramesToRender(s, options);
         if (frames * 8 > static_cast<int64_t>(UINT32_MAX - HeaderBytes)) {
-            error = options.output + ": the patterns are too long for one WAV file; use --seconds";
+            error = options.output +
+                    ": that much sound does not fit in one WAV file; ask for fewer seconds";
             return 1;
         }
         WriteRender(s, options, static_cast<uint32_t>(frames));

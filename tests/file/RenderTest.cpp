@@ -266,6 +266,12 @@ INSTANTIATE_TEST_SUITE_P(
                     "--level needs a value",
                     false},
         CommandCase{"no instrument", {"--render", "@/out.wav"}, 2, "no instrument file", false},
+        CommandCase{
+            "more than a WAV holds",
+            {"--render", "@/out.wav", "--seconds", "3600", "--rate", "192000", "#new-inst-1.nst"},
+            1,
+            "does not fit in one WAV file",
+            false},
         CommandCase{"refused file",
                     {"--render", "@/out.wav", "#new-inst-1.nst", "#bound-0.nst"},
                     1,
