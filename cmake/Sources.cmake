@@ -19,6 +19,8 @@ set(CORE_SOURCES
     ui/Row.cpp
     ui/MainView.cpp
     editing/Line.cpp
+    editing/LinePaint.cpp
+    song/PatternRow.cpp
     song/FileArchive.cpp
     song/DiskFile.cpp
     song/SetSave.cpp

@@ -48,6 +48,10 @@ class Line : public Row {
     virtual ~Line();
 
     const char* GetName() override { return name.c_str(); }
+    // Draws the axis with its ticks and measure numbers, the points with
+    // their length bars, and the position of the selection's first point
+    // (editing/LinePaint.cpp).
+    void Paint() override;
 
     // Stores the window of measures shown; draws nothing.
     void SetWindow(int32_t visible, int32_t first);

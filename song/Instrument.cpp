@@ -5,6 +5,7 @@
 #include "engine/SoundBuffer.h"
 #include "song/InstrumentView.h"
 #include "song/PatternBank.h"
+#include "song/PatternRow.h"
 #include "song/SampleRegistry.h"
 #include "ui/Row.h"
 
@@ -23,15 +24,18 @@ Instrument::~Instrument() {
     delete sequencer;
 }
 
-// Rows in the order the view stacks them: the sequencer box, then the lines.
+// Rows in the order the view stacks them: the sequencer box, the pattern
+// ovals, then the lines.
 int32_t Instrument::NextRow(RowSlot& slot, bool first) {
     if (first)
         rowCursor = 0;
     Row* row = nullptr;
     if (rowCursor == 0)
         row = sequencer;
-    else if (rowCursor - 1 < bank->GetLineCount())
-        row = bank->GetLine(rowCursor - 1);
+    else if (rowCursor == 1)
+        row = bank->patternRow;
+    else if (rowCursor - 2 < bank->GetLineCount())
+        row = bank->GetLine(rowCursor - 2);
     if (row == nullptr)
         return 0;
     ++rowCursor;

@@ -3,17 +3,19 @@
 #include "editing/Line.h"
 #include "engine/Schedule.h"
 #include "song/Instrument.h"
+#include "song/PatternRow.h"
 
 #include <cstring>
 #include <vector>
 
 PatternBank::PatternBank(Schedule* s, Instrument* o)
-    : lines(new Line*[8]), owner(o), schedule(s), working(512) {}
+    : lines(new Line*[8]), owner(o), schedule(s), working(512), patternRow(new PatternRow(this)) {}
 
 PatternBank::~PatternBank() {
     for (int32_t i = 0; i < lineCount; ++i)
         delete lines[i];
     delete[] lines;
+    delete patternRow;
 }
 
 int32_t PatternBank::AddLine() {
@@ -145,11 +147,13 @@ void PatternBank::Play(int32_t index, int32_t position, uint8_t mode) {
     schedule->StagePattern(index == current ? working : patterns[index]);
     schedule->CommitPattern(mode, position);
     playing = index;
+    patternRow->SetPlaying(index);
 }
 
 void PatternBank::Stop() {
     schedule->Stop();
     playing = -1;
+    patternRow->SetPlaying(-1);
 }
 
 void PatternBank::SetPattern(int32_t index, const PlayPointList& list) {

@@ -7,6 +7,7 @@
 
 class Instrument;
 class Line;
+class PatternRow;
 class Schedule;
 class SoundBuffer;
 
@@ -71,6 +72,8 @@ class PatternBank {
     int32_t current = 0;
     PlayPointList working;
     PlayPointList patterns[PatternCount];
+    // The row of pattern ovals, made with the bank and never replaced.
+    PatternRow* patternRow;
 
   private:
     void RebuildLines();

@@ -286,6 +286,7 @@ TEST_F(LineTest, FourthSampleChangesNothing) {
 TEST_F(LineTest, RepaintsOnlyWhenShownStateChanges) {
     RecordingCanvas canvas;
     line.Place(Rect{0, 10, 500, 40}, &canvas);
+    canvas.records.clear();
     line.SetWindow(4, 2);
     line.Mute();
     line.Mute();

@@ -126,7 +126,7 @@ TEST(Instrument, RowsComeSequencerFirstThenLines) {
     std::vector<int32_t> types;
     for (bool first = true; inst.NextRow(slot, first); first = false)
         types.push_back(slot.type);
-    EXPECT_EQ(types, (std::vector<int32_t>{4, 3, 3}));
+    EXPECT_EQ(types, (std::vector<int32_t>{4, 5, 3, 3}));
 }
 
 TEST(Instrument, SequencerBoxDrawsItsRectanglesAndTexts) {
