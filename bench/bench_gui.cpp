@@ -81,11 +81,12 @@ void BM_FullRepaint(benchmark::State& state) {
     QImage image(1280, 700, QImage::Format_RGB32);
     RecordingCanvas canvas;
     double lockedSeconds = 0;
+    std::vector<CanvasRecord> records;
     for (auto _ : state) {
-        std::vector<CanvasRecord> records;
         const auto start = std::chrono::steady_clock::now();
         {
             std::lock_guard<std::mutex> guard(theEngineLock);
+            canvas.records.swap(records);
             canvas.records.clear();
             view.Paint(canvas, image.width(), image.height());
             records.swap(canvas.records);

@@ -129,18 +129,18 @@ void ViewWidget::resizeEvent(QResizeEvent*) {
 // The rows record their drawing under the engine lock; the pixels are drawn
 // from the copy after the lock is let go.
 void ViewWidget::paintEvent(QPaintEvent*) {
-    std::vector<CanvasRecord> records;
     {
         Guard guard(theEngineLock);
         if (view == nullptr)
             return;
-        canvas.records.clear();
+        canvas.records.swap(replay);
+        canvas.records.clear(); // keeps the room of the paint before
         view->Paint(canvas, width(), height());
-        records.swap(canvas.records);
+        replay.swap(canvas.records);
     }
     QPainter painter(this);
     painter.fillRect(rect(), palette().window());
-    CanvasPainter(painter).Replay(records);
+    CanvasPainter(painter).Replay(replay);
     PaintClocks(painter);
     if (barsChanged.exchange(false))
         MirrorScrollBars();

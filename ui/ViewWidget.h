@@ -74,6 +74,7 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     MainView* view = nullptr;
     CMainFrame* frame = nullptr;
     SharedCanvas canvas;
+    std::vector<CanvasRecord> replay; // the last paint's records, drawn without the lock
     QScrollBar* hBar;
     QScrollBar* vBar;
     QTimer* poll;
