@@ -433,3 +433,23 @@ void MainView::Paint(Canvas& canvas, int32_t width, int32_t height) {
         if (s.visible)
             s.row->Place(Rect{rowColumnRect.left, s.top, rowColumnRect.right, s.bottom}, &canvas);
 }
+
+// The row of the visible slot whose part of the row column holds the point.
+Row* MainView::RowAt(int32_t x, int32_t y) const {
+    if (x < rowColumnRect.left || x >= rowColumnRect.right)
+        return nullptr;
+    for (const RowSlot& s : slots)
+        if (s.visible && y >= s.top && y < s.bottom)
+            return s.row;
+    return nullptr;
+}
+
+void MainView::OnLButtonDown(uint32_t flags, int32_t x, int32_t y) {
+    if (Row* row = RowAt(x, y))
+        row->OnLButtonDown(flags, x, y);
+}
+
+void MainView::OnLButtonDblClk(uint32_t flags, int32_t x, int32_t y) {
+    if (Row* row = RowAt(x, y))
+        row->OnLButtonDblClk(flags, x, y);
+}

@@ -65,6 +65,11 @@ class MainView : public InstrumentView {
     void HorizontalScroll(ScrollEvent event, int32_t track);
     void Repaint() { host->RequestRepaint(); }
 
+    // A press or double click of the left button in the view, passed to the
+    // row whose cell in the row column holds the point.
+    void OnLButtonDown(uint32_t flags, int32_t x, int32_t y);
+    void OnLButtonDblClk(uint32_t flags, int32_t x, int32_t y);
+
     // Draws the whole view for a client area of width by height pixels and
     // places the visible rows on the canvas, which they keep until the next
     // paint. GUI thread.
@@ -113,6 +118,7 @@ class MainView : public InstrumentView {
     void FillSlots();
     void PaintTopBand(Canvas& canvas);
     void StoreHorizontal(int32_t position);
+    Row* RowAt(int32_t x, int32_t y) const;
 
     ViewHost* host;
 };

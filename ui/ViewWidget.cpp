@@ -7,6 +7,7 @@
 #include "ui/CMainFrame.h"
 #include "ui/CanvasPainter.h"
 
+#include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QTimer>
@@ -220,4 +221,36 @@ NoteBarFields ViewWidget::NoteBarValues(Line* line, bool) {
     if (line == nullptr)
         return NoteBarFields{PlayPoint{}, 0};
     return NoteBarFields{line->defaultNote, line->LongestSampleMs()};
+}
+
+namespace {
+// The buttons and modifiers of a mouse event as the rows take them.
+uint32_t FlagsOf(const QMouseEvent* event) {
+    uint32_t flags = 0;
+    if (event->buttons() & Qt::LeftButton)
+        flags |= Row::LeftButton;
+    if (event->buttons() & Qt::RightButton)
+        flags |= Row::RightButton;
+    if (event->modifiers() & Qt::ShiftModifier)
+        flags |= Row::Shift;
+    if (event->modifiers() & Qt::ControlModifier)
+        flags |= Row::Control;
+    return flags;
+}
+} // namespace
+
+void ViewWidget::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton)
+        return;
+    const QPoint at = event->position().toPoint();
+    Guard guard(theEngineLock);
+    view->OnLButtonDown(FlagsOf(event), at.x(), at.y());
+}
+
+void ViewWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton)
+        return;
+    const QPoint at = event->position().toPoint();
+    Guard guard(theEngineLock);
+    view->OnLButtonDblClk(FlagsOf(event), at.x(), at.y());
 }

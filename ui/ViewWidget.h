@@ -63,6 +63,8 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
   protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
 
   private:
     void Poll();

@@ -1,4 +1,5 @@
 #include "ui/MainView.h"
+#include "song/PatternRow.h"
 #include "song/SongFixture.h"
 #include "ui/RecordingCanvas.h"
 
@@ -174,6 +175,20 @@ TEST(MainView, InstsModeShowsEverySequencerInEveryOtherSlot) {
         EXPECT_EQ(f.view.slots[s].visible, s % 2 == 0 && s < 6 ? 1 : 0) << s;
     EXPECT_EQ(f.view.slots[2].row, f.view.instruments[1]->GetSequencer());
     EXPECT_EQ(f.song.clocks.count, 3);
+}
+
+TEST(MainView, ClicksReachTheRowUnderThePoint) {
+    ViewFixture f;
+    const RowSlot& patternSlot = f.view.slots[1];
+    ASSERT_EQ(patternSlot.type, Row::PatternRowKind);
+    PatternBank& bank = *f.view.Current()->GetBank();
+    // The third oval of the pattern row, then the name column (no row).
+    const Rect& oval = bank.patternRow->ovals[2];
+    const int32_t y = (oval.top + oval.bottom) / 2;
+    f.view.OnLButtonDown(Row::LeftButton, (oval.left + oval.right) / 2, y);
+    EXPECT_EQ(bank.current, 2);
+    f.view.OnLButtonDown(Row::LeftButton, 10, y);
+    EXPECT_EQ(bank.current, 2);
 }
 
 } // namespace
