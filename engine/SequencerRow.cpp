@@ -118,7 +118,7 @@ void SequencerRow::OnPatternEnding() {
     default:
         break;
     }
-    if (cueFlag && !stopped && theEngine->highlightMode == 2)
+    if (cueFlag && !stopped && theEngine != nullptr && theEngine->highlightMode == 2)
         for (int i = 0; i < theEngine->highlightCount; ++i)
             theEngine->highlightedSequencers[i]->Launch();
 }
