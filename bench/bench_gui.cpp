@@ -85,7 +85,7 @@ void BM_FullRepaint(benchmark::State& state) {
     for (auto _ : state) {
         const auto start = std::chrono::steady_clock::now();
         {
-            std::lock_guard<std::mutex> guard(theEngineLock);
+            std::lock_guard<EngineMutex> guard(theEngineLock);
             canvas.records.swap(records);
             canvas.records.clear();
             view.Paint(canvas, image.width(), image.height());

@@ -183,7 +183,7 @@ void BM_LateTicksUnderLockContention(benchmark::State& state) {
         PlayPoint extra{};
         uint64_t n = 0;
         while (!stop.load(std::memory_order_relaxed)) {
-            std::lock_guard<std::mutex> hold(theEngineLock);
+            std::lock_guard<EngineMutex> hold(theEngineLock);
             extra.time = static_cast<int32_t>(n % 200) * 64 + 1;
             list.InsertOrReplace(extra);
             list.Remove(extra);

@@ -55,6 +55,8 @@ bool AudioCallback::TryLock() {
     const int64_t allowed = retryBudget < LockRetryNanoseconds ? retryBudget : LockRetryNanoseconds;
     bool locked = false;
     int64_t spent = 0;
+    // Other threads let an announced tick go first when they next lock.
+    theEngineLock.AnnounceTick(true);
     do {
         for (int i = 0; i < 16 && !locked; ++i) {
             CpuRelax();
@@ -62,6 +64,7 @@ bool AudioCallback::TryLock() {
         }
         spent = std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - start).count();
     } while (!locked && spent < allowed);
+    theEngineLock.AnnounceTick(false);
     retryBudget -= spent;
     // The time may have run out while this thread itself was not running.
     return locked || theEngineLock.try_lock();

@@ -59,7 +59,7 @@ void PutWaveHeader(uint8_t* h, int32_t rate, uint32_t frames) {
 struct Session {
     Session() : previousEngine(theEngine) { theEngine = &engine; }
     ~Session() {
-        std::lock_guard<std::mutex> hold(theEngineLock);
+        std::lock_guard<EngineMutex> hold(theEngineLock);
         for (auto& i : instruments)
             engine.RemovePlayhead(i->GetSchedule()->GetPlayhead());
         instruments.clear();
@@ -75,7 +75,7 @@ struct Session {
 // After the Load command's AddInstrument, Mute and Unmute, the level of the
 // options, the common tempo, then the pattern from tick 0 as Enter starts it.
 void Start(Session& s, Instrument& instrument, const RenderOptions& options) {
-    std::lock_guard<std::mutex> hold(theEngineLock);
+    std::lock_guard<EngineMutex> hold(theEngineLock);
     instrument.AttachView(nullptr);
     instrument.Mute();
     instrument.Unmute();

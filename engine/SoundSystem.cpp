@@ -11,7 +11,7 @@ int32_t SoundSystem::LoadWave(const std::string& path, const std::string& name,
     WaveFile wave;
     const WaveStatus status = ReadWave(path, wave);
     {
-        std::lock_guard<std::mutex> hold(theEngineLock);
+        std::lock_guard<EngineMutex> hold(theEngineLock);
         HandOver(status, wave, path, name, target);
     }
     // A sample the mixer did not take is freed here, outside the lock.

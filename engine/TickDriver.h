@@ -14,7 +14,7 @@ class TickDriver {
 
     void Run(int64_t ticks) {
         for (int64_t i = 0; i < ticks; ++i) {
-            std::lock_guard<std::mutex> guard(theEngineLock);
+            std::lock_guard<EngineMutex> guard(theEngineLock);
             engine.OnTimer();
         }
     }

@@ -71,7 +71,7 @@ void RefreshSamplePaths(Instrument& instrument) {
 void WritePatterns(PatternBank* bank, FileArchive& archive) {
     auto save = std::make_unique<SetSave>();
     for (int32_t i = 0; i < PatternBank::PatternCount; ++i) {
-        std::unique_lock<std::mutex> hold(theEngineLock);
+        std::unique_lock<EngineMutex> hold(theEngineLock);
         const PlayPointList list = bank->GetPattern(i);
         hold.unlock();
         if (!save->FromList(list))
@@ -163,7 +163,7 @@ std::unique_ptr<Instrument> LoadInstrument(const std::string& path, SoundSystem*
     } catch (...) {
         // Its sound buffers send their release to the mixer, which only the
         // holder of the engine lock may do.
-        std::lock_guard<std::mutex> hold(theEngineLock);
+        std::lock_guard<EngineMutex> hold(theEngineLock);
         instrument.reset();
         throw;
     }

@@ -117,7 +117,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "make_demo: %s\n", e.what());
         code = 1;
     }
-    std::lock_guard<std::mutex> hold(theEngineLock);
+    std::lock_guard<EngineMutex> hold(theEngineLock);
     instrument.reset();
     return code;
 }

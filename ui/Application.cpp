@@ -38,7 +38,7 @@ void LoadNamedFiles(int argc, char** argv, ViewWidget& view, SoundSystem& sounds
     for (int i = 1; i < argc; ++i) {
         try {
             std::unique_ptr<Instrument> inst = LoadInstrument(argv[i], &sounds);
-            std::lock_guard<std::mutex> guard(theEngineLock);
+            std::lock_guard<EngineMutex> guard(theEngineLock);
             view.View()->AddInstrument(inst.release());
         } catch (const FileError& e) {
             QMessageBox::warning(&view, "oxbowlantern", QString::fromStdString(e.what()));
@@ -72,7 +72,7 @@ int RunApplication(int argc, char** argv) {
         return 255;
     }
     {
-        std::lock_guard<std::mutex> guard(theEngineLock);
+        std::lock_guard<EngineMutex> guard(theEngineLock);
         MainView* v = view->View();
         v->notationalFractions = 1;
         v->PushNotationalFractions();

@@ -14,7 +14,7 @@
 #include <mutex>
 
 namespace {
-using Guard = std::lock_guard<std::mutex>;
+using Guard = std::lock_guard<EngineMutex>;
 
 MainView::ScrollEvent EventOf(int action) {
     switch (action) {

@@ -77,7 +77,7 @@ inline PlayPoint Note(int32_t time, int line) {
 // Destroys instruments under the engine lock, as their sound buffers need.
 struct LockedDelete {
     void operator()(Instrument* i) const {
-        std::lock_guard<std::mutex> hold(theEngineLock);
+        std::lock_guard<EngineMutex> hold(theEngineLock);
         delete i;
     }
 };

@@ -52,7 +52,7 @@ TEST(HandOff, GuiLoadsAndDropsSamplesWhileTheAudioThreadPlaysThem) {
     for (int i = 0; i < 3 * Mixer::TableStep; ++i) {
         SampleData* sample = SoundTestKit::Constant(2000 + i, 0.01f, -0.01f);
         {
-            std::lock_guard<std::mutex> hold(theEngineLock);
+            std::lock_guard<EngineMutex> hold(theEngineLock);
             const int32_t voice = mixer.Attach(sample);
             ASSERT_GE(voice, 0);
             auto buffer = std::make_unique<SoundBuffer>(nullptr);
@@ -71,7 +71,7 @@ TEST(HandOff, GuiLoadsAndDropsSamplesWhileTheAudioThreadPlaysThem) {
     audio.join();
     output.Stop();
     EXPECT_EQ(model.buffers.size(), 2u * Mixer::TableStep);
-    std::lock_guard<std::mutex> hold(theEngineLock);
+    std::lock_guard<EngineMutex> hold(theEngineLock);
     model.buffers.clear();
 }
 

@@ -114,7 +114,7 @@ TEST(LateTick, RunsAtTheNextBoundaryAndIsCounted) {
 
     std::atomic<bool> held{false}, release{false};
     std::thread gui([&] {
-        std::lock_guard<std::mutex> hold(theEngineLock);
+        std::lock_guard<EngineMutex> hold(theEngineLock);
         held = true;
         while (!release)
             std::this_thread::yield();
