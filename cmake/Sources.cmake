@@ -18,6 +18,7 @@ set(CORE_SOURCES
     song/Instrument.cpp
     ui/Row.cpp
     ui/MainView.cpp
+    ui/ScanCodes.cpp
     editing/Line.cpp
     editing/LinePaint.cpp
     song/PatternRow.cpp
