@@ -50,7 +50,8 @@ class Engine {
     // event to the key target.
     void OnKeyEvent(uint8_t pressed, uint32_t scanCode);
 
-    // GUI thread (the key feed), lock-free: queues a key event for the tick.
+    // The key feed's one producing thread (the GUI thread or its X thread),
+    // lock-free: queues a key event for the tick.
     // False when the queue is full and the event is lost.
     bool PostKey(uint8_t pressed, uint32_t scanCode) {
         return keyQueue.Push(KeyEvent{pressed, scanCode});

@@ -10,6 +10,7 @@
 #include "song/Instrument.h"
 #include "song/InstrumentFile.h"
 #include "ui/CMainFrame.h"
+#include "ui/KeyFeed.h"
 #include "ui/SignalExit.h"
 #include "ui/ViewWidget.h"
 
@@ -79,9 +80,14 @@ int RunApplication(int argc, char** argv) {
         v->RegisterCurrentPlayhead();
         v->RefreshInstrument();
     }
+    KeyFeed keys(*theEngine);
+    keys.Start();
     LoadNamedFiles(argc, argv, *view, *sounds);
 
     const int code = app.exec();
+
+    // No key reaches the queue once the engine is gone.
+    keys.Stop();
 
     // The view removes every playhead and deletes every instrument before
     // the sound goes, and the sound before the engine.

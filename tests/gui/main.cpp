@@ -1,6 +1,7 @@
 #include "BarsTest.h"
 #include "CanvasPainterTest.h"
 #include "FrameTest.h"
+#include "KeyFeedTest.h"
 #include "PartsTest.h"
 
 #include <QApplication>
@@ -14,8 +15,9 @@ int main(int argc, char** argv) {
     CanvasPainterTest canvas;
     FrameTest frame;
     BarsTest bars;
+    KeyFeedTest keys;
     int failed = 0;
-    for (QObject* test : std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars})
+    for (QObject* test : std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &keys})
         failed += QTest::qExec(test, argc, argv) != 0;
     return failed;
 }
