@@ -10,8 +10,9 @@ namespace {
 struct HostLog : ViewHost {
     void RequestRepaint() override { ++repaints; }
     void ScrollBarsChanged() override {}
-    void ShowInstrumentBar() override { ++instrumentBars; }
-    void RefreshPatternBar() override {}
+    void AskFrame(FrameAsk ask, Line*) override {
+        instrumentBars += ask == FrameAsk::InstrumentBar;
+    }
     int repaints = 0;
     int instrumentBars = 0;
 };
