@@ -59,8 +59,7 @@ void BM_FullRepaint(benchmark::State& state) {
     struct NoHost : ViewHost {
         void RequestRepaint() override {}
         void ScrollBarsChanged() override {}
-        void ShowInstrumentBar() override {}
-        void RefreshPatternBar() override {}
+        void AskFrame(FrameAsk, Line*) override {}
     } host;
     MainView view(&host);
     Instrument& inst = *view.Current();

@@ -18,6 +18,9 @@ set(CORE_SOURCES
     song/Instrument.cpp
     ui/Row.cpp
     ui/MainView.cpp
+    ui/MainViewMouse.cpp
+    ui/RowList.cpp
+    ui/KeyMap.cpp
     ui/ScanCodes.cpp
     editing/Line.cpp
     editing/LinePaint.cpp

@@ -12,7 +12,7 @@ librtaudio-dev libasound2-dev
 jackd2 libjack-jackd2-dev
 libgtest-dev libgmock-dev libbenchmark-dev
 fonts-liberation fonts-dejavu-core fonts-dejavu-extra
-xvfb xauth imagemagick xdotool
+xvfb xauth imagemagick xdotool libxtst-dev
 clang libclang-rt-14-dev
 "
 

@@ -11,6 +11,7 @@
 #include "song/InstrumentFile.h"
 #include "ui/CMainFrame.h"
 #include "ui/KeyFeed.h"
+#include "ui/KeyMap.h"
 #include "ui/SignalExit.h"
 #include "ui/ViewWidget.h"
 
@@ -40,7 +41,10 @@ void LoadNamedFiles(int argc, char** argv, ViewWidget& view, SoundSystem& sounds
         try {
             std::unique_ptr<Instrument> inst = LoadInstrument(argv[i], &sounds);
             std::lock_guard<EngineMutex> guard(theEngineLock);
-            view.View()->AddInstrument(inst.release());
+            Instrument* added = inst.release();
+            view.View()->AddInstrument(added);
+            added->Mute();
+            added->Unmute();
         } catch (const FileError& e) {
             QMessageBox::warning(&view, "oxbowlantern", QString::fromStdString(e.what()));
         }
@@ -62,6 +66,8 @@ int RunApplication(int argc, char** argv) {
     frame.show();
 
     theEngine = new Engine;
+    KeyMap keyMap(theEngine, view->View());
+    theEngine->SetKeyTarget(&keyMap);
     theClockDisplay = new ClockDisplay;
     theEngine->SetClockDisplay(theClockDisplay);
     SoundSystem* sounds = new SoundSystem;
@@ -92,6 +98,10 @@ int RunApplication(int argc, char** argv) {
     // The view removes every playhead and deletes every instrument before
     // the sound goes, and the sound before the engine.
     frame.close();
+    {
+        std::lock_guard<EngineMutex> guard(theEngineLock);
+        theEngine->SetKeyTarget(nullptr);
+    }
     view->DeleteView();
     output.Stop();
     delete sounds;

@@ -1,10 +1,12 @@
 #include "ui/MainView.h"
 
+#include "editing/Line.h"
 #include "engine/ClockDisplay.h"
 #include "engine/Engine.h"
 #include "engine/SequencerRow.h"
 #include "song/Instrument.h"
 #include "song/PatternBank.h"
+#include "song/PatternRow.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -75,7 +77,7 @@ void MainView::CloseInstrument() {
     RebuildRowList();
     RefreshInstrument();
     Repaint();
-    host->ShowInstrumentBar();
+    host->AskFrame(FrameAsk::InstrumentBar);
 }
 
 void MainView::SelectInstrument(int32_t index) {
@@ -94,7 +96,7 @@ void MainView::RebuildRowList() {
         s.visible = 0;
     RowSlot slot;
     for (bool first = true; Current()->NextRow(slot, first); first = false)
-        rowList.Append(slot.row);
+        rowList.Add(slot);
     SetVerticalBar();
 }
 
@@ -121,7 +123,7 @@ void MainView::RefreshInstrument() {
 }
 
 void MainView::PatternLengthChanged() {
-    host->RefreshPatternBar();
+    host->AskFrame(FrameAsk::RefreshPatternBar);
     if (PatternMeasures() == measuresSeen)
         return;
     measuresSeen = PatternMeasures();
@@ -266,8 +268,7 @@ void MainView::ClearSlots() {
 }
 
 void MainView::UnplaceListRows() {
-    for (RowSlot& entry : rowList.entries)
-        entry.row->Unplace();
+    rowList.UnplaceAll();
 }
 
 void MainView::SetViewMode(int32_t mode) {
@@ -276,6 +277,8 @@ void MainView::SetViewMode(int32_t mode) {
     if (mode != viewMode && theClockDisplay != nullptr)
         theClockDisplay->Clear();
     if (viewMode == Insts) {
+        if (mode != Insts)
+            DropFocus();
         ClearSlots();
         for (Instrument* i : instruments)
             i->GetSequencer()->Unplace();
@@ -434,22 +437,83 @@ void MainView::Paint(Canvas& canvas, int32_t width, int32_t height) {
             s.row->Place(Rect{rowColumnRect.left, s.top, rowColumnRect.right, s.bottom}, &canvas);
 }
 
-// The row of the visible slot whose part of the row column holds the point.
-Row* MainView::RowAt(int32_t x, int32_t y) const {
-    if (x < rowColumnRect.left || x >= rowColumnRect.right)
-        return nullptr;
-    for (const RowSlot& s : slots)
-        if (s.visible && y >= s.top && y < s.bottom)
-            return s.row;
-    return nullptr;
+void MainView::Repaint() {
+    FillSlots();
+    host->RequestRepaint();
 }
 
-void MainView::OnLButtonDown(uint32_t flags, int32_t x, int32_t y) {
-    if (Row* row = RowAt(x, y))
-        row->OnLButtonDown(flags, x, y);
+bool MainView::HoldsLine(const Line* line) const {
+    return line != nullptr && rowList.Contains(line);
 }
 
-void MainView::OnLButtonDblClk(uint32_t flags, int32_t x, int32_t y) {
-    if (Row* row = RowAt(x, y))
-        row->OnLButtonDblClk(flags, x, y);
+// A deleted line cannot keep the key focus: the engine would send keys to it
+// and the focus slot would name a row that is gone.
+void MainView::DeleteHighlighted() {
+    const Row* focused = focusSlot != -1 && focusKind == -1 ? slots[focusSlot].row : nullptr;
+    for (int32_t i = 0; i < rowList.Count(); ++i)
+        if (rowList.At(i).highlighted && rowList.At(i).row == focused)
+            DropFocus();
+    rowList.DeleteHighlighted();
+}
+
+void MainView::DropFocus() {
+    // A focused line loses its selection here once lines have selections.
+    theEngine->ClearHighlights();
+    host->AskFrame(FrameAsk::EmptyBar);
+    focusSlot = -1;
+    focusKind = -1;
+}
+
+void MainView::FocusSequencer(SequencerRow* sequencer) {
+    DropFocus();
+    for (size_t s = 0; s < slots.size(); ++s) {
+        const RowSlot& slot = slots[s];
+        if (slot.visible && slot.type == Row::SequencerRowKind && slot.row == sequencer) {
+            focusSlot = static_cast<int32_t>(s);
+            theEngine->AddHighlightedSequencer(sequencer);
+            focusKind = -2;
+            return;
+        }
+    }
+}
+
+void MainView::AddFocusSequencer(SequencerRow* sequencer) {
+    if (focusKind != -2) {
+        FocusSequencer(sequencer);
+        return;
+    }
+    for (const RowSlot& slot : slots)
+        if (slot.visible && slot.type == Row::SequencerRowKind && slot.row == sequencer) {
+            theEngine->AddHighlightedSequencer(sequencer);
+            return;
+        }
+}
+
+void MainView::MoveToInstrument(int32_t index) {
+    if (index < 0 || index >= static_cast<int32_t>(instruments.size()))
+        return;
+    const bool refocus = focusKind == -2 || viewMode == Insts;
+    SelectInstrument(index);
+    RebuildRowList();
+    Repaint();
+    if (!refocus)
+        return;
+    DropFocus();
+    Current()->GetSequencer()->FocusMainBox();
+}
+
+// Key codes of the arrows, Grave and the top-row digits 1 to 0.
+void MainView::OnInstrumentKey(uint32_t scanCode, bool shiftDown) {
+    constexpr uint32_t Up = 200, Down = 208, Grave = 41, One = 2, Zero = 11;
+    if (scanCode == Up || scanCode == Down) {
+        MoveToInstrument(currentInstrument + (scanCode == Up ? -1 : 1));
+    } else if (scanCode == Grave) {
+        Current()->GetSequencer()->RequestPattern(-1);
+    } else if (scanCode >= One && scanCode <= Zero) {
+        const int32_t number = static_cast<int32_t>(scanCode) - 1;
+        if (shiftDown)
+            Current()->GetSequencer()->RequestPattern(number);
+        else
+            Current()->GetBank()->patternRow->ShowPattern(number - 1);
+    }
 }

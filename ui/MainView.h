@@ -10,6 +10,23 @@
 #include <vector>
 
 class Instrument;
+class Line;
+
+// The frame's operations that the view and the keys ask for, in the order
+// asked. Line bars and note bars name their line.
+enum class FrameAsk : uint8_t {
+    EmptyBar,
+    ToggleViewBar,
+    TimersBar,
+    LineBar,
+    MultiLineBar,
+    InstrumentBar,
+    PatternBar,
+    RefreshPatternBar,
+    DefaultNoteBar,
+    SelectionNoteBar,
+    LoadWaves,
+};
 
 // What the view asks of its window. Called with the engine lock held, also
 // from the tick (keys): an implementation only raises flags or queues, and
@@ -21,8 +38,7 @@ class ViewHost {
     virtual void RequestRepaint() = 0;
     // The scroll bars or the layout of the window's parts changed.
     virtual void ScrollBarsChanged() = 0;
-    virtual void ShowInstrumentBar() = 0;
-    virtual void RefreshPatternBar() = 0;
+    virtual void AskFrame(FrameAsk ask, Line* line = nullptr) = 0;
 };
 
 // The view's logic and drawing: the list of open instruments, which one is on
@@ -46,9 +62,14 @@ class MainView : public InstrumentView {
     void RebuildRowList();
     void RefreshInstrument() override;
     void PatternLengthChanged() override;
+    // Selections on lines come with note editing; until then no line takes
+    // the key focus.
     void LineSelectionChanged(Line*) override {}
-    void FocusSequencer(SequencerRow*) override {}
-    void AddFocusSequencer(SequencerRow*) override {}
+    void FocusSequencer(SequencerRow* sequencer) override;
+    void AddFocusSequencer(SequencerRow* sequencer) override;
+    void DropFocus();
+    // Arrow keys, Grave and the top-row digits.
+    void OnInstrumentKey(uint32_t scanCode, bool shiftDown);
     void SetSlotCount(int32_t count);
     void SelectZoom1() { SelectZoom12(1, zoom1Measures); }
     void SelectZoom2() { SelectZoom12(2, zoom2Measures); }
@@ -63,12 +84,27 @@ class MainView : public InstrumentView {
     void SkipAll(int32_t ticks);
     void VerticalScroll(ScrollEvent event, int32_t track);
     void HorizontalScroll(ScrollEvent event, int32_t track);
-    void Repaint() { host->RequestRepaint(); }
+    // Fills the screen slots from the model at once, so that hit tests and
+    // the key focus see the new rows, and asks the window for a paint.
+    void Repaint();
 
-    // A press or double click of the left button in the view, passed to the
-    // row whose cell in the row column holds the point.
+    void AskFrame(FrameAsk ask, Line* line = nullptr) { host->AskFrame(ask, line); }
+    void ToggleMute() { rowList.ToggleMute(); }
+    void DeleteHighlighted();
+    void StepControlGroup(int32_t direction) { rowList.StepControlGroup(direction); }
+    int32_t ControlGroup() const { return rowList.ControlGroup(); }
+    // Whether line is a row of the current instrument; a line named in a
+    // queued bar request may have gone before the window takes it.
+    bool HoldsLine(const Line* line) const;
+
+    // The mouse in the view (ui/MainViewMouse.cpp): flags are the buttons
+    // held and the modifiers, compared for equality.
     void OnLButtonDown(uint32_t flags, int32_t x, int32_t y);
+    void OnLButtonUp(uint32_t flags, int32_t x, int32_t y);
     void OnLButtonDblClk(uint32_t flags, int32_t x, int32_t y);
+    void OnRButtonDown(uint32_t flags, int32_t x, int32_t y);
+    void OnRButtonUp(uint32_t flags, int32_t x, int32_t y);
+    void OnRButtonDblClk(uint32_t flags, int32_t x, int32_t y);
 
     // Draws the whole view for a client area of width by height pixels and
     // places the visible rows on the canvas, which they keep until the next
@@ -118,7 +154,17 @@ class MainView : public InstrumentView {
     void FillSlots();
     void PaintTopBand(Canvas& canvas);
     void StoreHorizontal(int32_t position);
-    Row* RowAt(int32_t x, int32_t y) const;
+    void MoveToInstrument(int32_t index);
+    void ClickNameColumn(uint32_t flags, int32_t y);
+    void ClickRowColumn(uint32_t flags, int32_t x, int32_t y);
+    // The screen slot whose cell holds y strictly inside; -1 on an edge or
+    // outside the stack.
+    int32_t SlotAt(int32_t y) const;
+    // The row of the visible slot at (x, y) in the row column, after the
+    // gutter rule when gutter is set.
+    Row* RowColumnHit(int32_t& x, int32_t y, bool gutter) const;
+    Line* LineColumnHit(int32_t& x, int32_t y) const;
+    Line* NameColumnLine(int32_t x, int32_t y) const;
 
     ViewHost* host;
 };

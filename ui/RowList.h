@@ -2,34 +2,58 @@
 
 #include "ui/Row.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <vector>
 
-// The rows of the current instrument in stack order, with their highlights
-// and the first position on the screen. Engine lock held.
-struct RowList {
-    // Starts a rebuild: entries are appended anew, and a row that comes to
-    // stand at a position it held before keeps that position's highlight.
-    void BeginRebuild() {
-        previous.swap(entries);
-        entries.clear();
-    }
-    void Append(Row* row) {
-        RowSlot slot;
-        slot.index = static_cast<int32_t>(entries.size());
-        slot.row = row;
-        slot.type = row->type;
-        const size_t at = entries.size();
-        if (at < previous.size() && previous[at].row == row)
-            slot.highlighted = previous[at].highlighted;
-        entries.push_back(slot);
-    }
-    int32_t Count() const { return static_cast<int32_t>(entries.size()); }
+class Line;
 
-    std::vector<RowSlot> entries;
+// The rows of the current instrument in stack order, with their highlights,
+// the anchor of shift ranges and the first position on the screen. The
+// commands that act on several lines at once work on its highlighted lines.
+// Engine lock held; the key map reaches ToggleMute from the tick, where
+// nothing here allocates.
+class RowList {
+  public:
+    static constexpr int32_t StartCapacity = 20;
+    static constexpr int32_t Growth = 5;
+
+    RowList();
+    virtual ~RowList() = default;
+
+    // Starts a rebuild: entries are added anew, and a row that comes to stand
+    // at a position it held before keeps that position's highlight.
+    void BeginRebuild();
+    void Add(const RowSlot& slot);
+    void ClearHighlights();
+    void Highlight(int32_t position);
+    void ToggleHighlight(int32_t position);
+    void HighlightRange(int32_t position);
+    // The first highlighted line, else the first line of the list.
+    Line* FirstHighlightedLine() const;
+    void UnplaceAll();
+    void StepControlGroup(int32_t direction);
+    // The control group of the first highlighted line; -2 with none.
+    int32_t ControlGroup() const;
+    void ToggleMute();
+    // Removes every highlighted line from its instrument.
+    void DeleteHighlighted();
+    // The highlighted lines in list order, into out (cleared first).
+    void HighlightedLines(std::vector<Line*>& out) const;
+
+    int32_t Count() const { return count; }
+    const RowSlot& At(int32_t position) const { return entries[position]; }
+    bool Contains(const Row* row) const;
+
     int32_t firstVisible = 0;
+    int32_t highlightedCount = 0;
+    int32_t previousCount = 0;
+    int32_t anchor = -1;
+    int32_t nextIndex = 0;
+    int32_t count = 0;
+    int32_t capacity = StartCapacity;
+    std::vector<RowSlot> entries; // capacity places, count in use
 
   private:
-    std::vector<RowSlot> previous;
+    bool Inside(int32_t position) const { return position >= 0 && position < count; }
+    void Set(int32_t position);
 };

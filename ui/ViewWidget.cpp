@@ -71,10 +71,55 @@ void ViewWidget::Poll() {
         MirrorScrollBars();
     if (theClockDisplay != nullptr && theClockDisplay->TakeFrame(clocks))
         update();
-    if (frame != nullptr && instrumentBarWanted.exchange(false))
-        frame->ShowInstrumentBar();
-    if (frame != nullptr && patternBarWanted.exchange(false))
-        frame->RefreshPatternBar();
+    if (frame != nullptr)
+        DoFrameAsks();
+}
+
+// A line named in an ask may have been deleted since; such an ask shows the
+// bar without a line.
+void ViewWidget::DoFrameAsks() {
+    FrameAskRecord r;
+    while (frameAsks.Pop(r)) {
+        if (r.line != nullptr) {
+            Guard guard(theEngineLock);
+            if (!view->HoldsLine(r.line))
+                r.line = nullptr;
+        }
+        switch (r.ask) {
+        case FrameAsk::EmptyBar:
+            frame->ShowEmptyBar();
+            break;
+        case FrameAsk::ToggleViewBar:
+            frame->ToggleViewBar();
+            break;
+        case FrameAsk::TimersBar:
+            frame->ShowTimersBar();
+            break;
+        case FrameAsk::LineBar:
+            frame->ShowLineBar(r.line);
+            break;
+        case FrameAsk::MultiLineBar:
+            frame->ShowMultiLineBar();
+            break;
+        case FrameAsk::InstrumentBar:
+            frame->ShowInstrumentBar();
+            break;
+        case FrameAsk::PatternBar:
+            frame->ShowPatternBar();
+            break;
+        case FrameAsk::RefreshPatternBar:
+            frame->RefreshPatternBar();
+            break;
+        case FrameAsk::DefaultNoteBar:
+            frame->ShowNoteBar(r.line, false);
+            break;
+        case FrameAsk::SelectionNoteBar:
+            frame->ShowNoteBar(r.line, true);
+            break;
+        case FrameAsk::LoadWaves:
+            break;
+        }
+    }
 }
 
 // Qt's bars hold the position between minimum and maximum; the view's hold it
@@ -195,9 +240,9 @@ double ViewWidget::TempoStepMs() {
 
 LineBarFields ViewWidget::LineBarValues(Line* line) {
     Guard guard(theEngineLock);
-    if (line == nullptr)
-        return LineBarFields{"", "", -2};
-    return LineBarFields{line->name, "", line->controlGroup};
+    if (line == nullptr || !view->HoldsLine(line))
+        return LineBarFields{"", "", view->ControlGroup()};
+    return LineBarFields{line->name, "", view->ControlGroup()};
 }
 
 std::string ViewWidget::MultiLineFilterText() {
@@ -239,18 +284,31 @@ uint32_t FlagsOf(const QMouseEvent* event) {
 }
 } // namespace
 
+// The view takes left and right presses, releases and double clicks; the
+// flags are the buttons still held and the modifiers.
 void ViewWidget::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton)
-        return;
     const QPoint at = event->position().toPoint();
     Guard guard(theEngineLock);
-    view->OnLButtonDown(FlagsOf(event), at.x(), at.y());
+    if (event->button() == Qt::LeftButton)
+        view->OnLButtonDown(FlagsOf(event), at.x(), at.y());
+    else if (event->button() == Qt::RightButton)
+        view->OnRButtonDown(FlagsOf(event), at.x(), at.y());
+}
+
+void ViewWidget::mouseReleaseEvent(QMouseEvent* event) {
+    const QPoint at = event->position().toPoint();
+    Guard guard(theEngineLock);
+    if (event->button() == Qt::LeftButton)
+        view->OnLButtonUp(FlagsOf(event), at.x(), at.y());
+    else if (event->button() == Qt::RightButton)
+        view->OnRButtonUp(FlagsOf(event), at.x(), at.y());
 }
 
 void ViewWidget::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton)
-        return;
     const QPoint at = event->position().toPoint();
     Guard guard(theEngineLock);
-    view->OnLButtonDblClk(FlagsOf(event), at.x(), at.y());
+    if (event->button() == Qt::LeftButton)
+        view->OnLButtonDblClk(FlagsOf(event), at.x(), at.y());
+    else if (event->button() == Qt::RightButton)
+        view->OnRButtonDblClk(FlagsOf(event), at.x(), at.y());
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/ClockDisplay.h"
+#include "engine/SpscRing.h"
 #include "ui/FrameCommands.h"
 #include "ui/MainView.h"
 #include "ui/RecordingCanvas.h"
@@ -45,8 +46,7 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     // ViewHost: engine lock held, any thread.
     void RequestRepaint() override { repaintWanted.store(true, std::memory_order_release); }
     void ScrollBarsChanged() override { barsChanged.store(true, std::memory_order_release); }
-    void ShowInstrumentBar() override { instrumentBarWanted.store(true); }
-    void RefreshPatternBar() override { patternBarWanted.store(true); }
+    void AskFrame(FrameAsk ask, Line* line) override { frameAsks.Push(FrameAskRecord{ask, line}); }
 
     // FrameCommands: GUI thread.
     void NewInstrument() override;
@@ -64,6 +64,7 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
   private:
@@ -72,6 +73,7 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     void OnHorizontal(int action);
     void OnVertical(int action);
     void PaintClocks(QPainter& painter);
+    void DoFrameAsks();
 
     MainView* view = nullptr;
     CMainFrame* frame = nullptr;
@@ -84,6 +86,12 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     bool mirroring = false;
     std::atomic<bool> repaintWanted{false};
     std::atomic<bool> barsChanged{false};
-    std::atomic<bool> instrumentBarWanted{false};
-    std::atomic<bool> patternBarWanted{false};
+    // What the view asked of the frame, pushed by whoever holds the engine
+    // lock and taken by the GUI thread's poll. A full ring drops the ask:
+    // the next one brings the bar up to date.
+    struct FrameAskRecord {
+        FrameAsk ask;
+        Line* line;
+    };
+    SpscRing<FrameAskRecord, 64> frameAsks;
 };

@@ -1,36 +1,9 @@
-#include "ui/MainView.h"
+#include "ViewFixture.h"
 #include "song/PatternRow.h"
-#include "song/SongFixture.h"
-#include "ui/RecordingCanvas.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-struct HostLog : ViewHost {
-    void RequestRepaint() override { ++repaints; }
-    void ScrollBarsChanged() override {}
-    void ShowInstrumentBar() override { ++instrumentBars; }
-    void RefreshPatternBar() override {}
-    int repaints = 0;
-    int instrumentBars = 0;
-};
-
-// A view over the fixture's engine, painted once at 1000 x 600.
-struct ViewFixture {
-    ViewFixture() : view(&host) {
-        view.RegisterCurrentPlayhead();
-        Paint();
-    }
-    void Paint(int32_t w = 1000, int32_t h = 600) {
-        canvas.records.clear();
-        view.Paint(canvas, w, h);
-    }
-    SongFixture song; // the engine and the clock display the view uses
-    HostLog host;
-    MainView view;
-    RecordingCanvas canvas;
-};
 
 TEST(MainView, WorkedExampleRectangles) {
     ViewFixture f;
@@ -100,12 +73,12 @@ TEST(MainView, ClosingTheCurrentInstrumentSelectsTheLast) {
     ASSERT_EQ(f.view.instruments.size(), 2u);
     EXPECT_EQ(f.view.currentInstrument, 1);
     EXPECT_EQ(f.view.instrumentNames[1], last);
-    EXPECT_EQ(f.host.instrumentBars, 1);
+    EXPECT_EQ(f.host.Count(FrameAsk::InstrumentBar), 1);
     EXPECT_EQ(f.song.engine.playheadCount, 2);
     f.view.CloseInstrument();
     f.view.CloseInstrument(); // the only one left stays
     EXPECT_EQ(f.view.instruments.size(), 1u);
-    EXPECT_EQ(f.host.instrumentBars, 2);
+    EXPECT_EQ(f.host.Count(FrameAsk::InstrumentBar), 2);
 }
 
 TEST(MainView, NamesCountOnOverTheRun) {

@@ -1,0 +1,50 @@
+#!/bin/sh
+# Plays the demo as a performer does and checks what is heard: the real
+# program under a virtual display with its own JACK server on the dummy
+# driver, keys sent with xdotool (Grave highlights the sequencer, Enter starts
+# pattern 1), the program's output recorded from its JACK ports by jack_rec,
+# then compared frame for frame with the offline render of the same pattern.
+# Usage: play_demo.sh PROGRAM COMPARE_TAKES
+set -eu
+program=$1
+compare=$2
+cd "$(dirname "$0")/.."
+work=$(mktemp -d)
+server="oxplay$$"
+export JACK_NO_AUDIO_RESERVATION=1 JACK_DEFAULT_SERVER="$server"
+
+jackd -n "$server" -d dummy -r 48000 -p 256 >"$work/jackd.log" 2>&1 &
+jack=$!
+trap 'kill $jack 2>/dev/null || true; rm -rf "$work"' EXIT
+sleep 1
+
+xvfb-run -a -s "-screen 0 1280x800x24" sh -c '
+    program=$0 work=$1
+    "$program" resources/demo.nst >"$work/program.log" 2>&1 &
+    app=$!
+    for i in $(seq 50); do
+        jack_lsp 2>/dev/null | grep -q "^oxbowlantern:" && break
+        sleep 0.2
+    done
+    sleep 1
+    jack_lsp 2>/dev/null | grep "^oxbowlantern:" >"$work/ports"
+    port0=$(sed -n 1p "$work/ports")
+    port1=$(sed -n 2p "$work/ports")
+    jack_rec -f "$work/capture.wav" -d 7 -b 32 "$port0" "$port1" >"$work/rec.log" 2>&1 &
+    rec=$!
+    sleep 1
+    xdotool mousemove 640 400
+    xdotool key grave
+    sleep 0.3
+    xdotool key Return
+    wait $rec || true
+    kill -TERM $app
+    wait $app
+' "$program" "$work"
+
+"$program" --render "$work/render.wav" --seconds 5 resources/demo.nst >/dev/null
+if ! "$compare" "$work/capture.wav" "$work/render.wav" 3.9; then
+    echo "the capture does not match the render; program log:"
+    cat "$work/program.log"
+    exit 1
+fi
