@@ -2,6 +2,7 @@
 #include "CanvasPainterTest.h"
 #include "FrameTest.h"
 #include "PartsTest.h"
+#include "ViewWidgetTest.h"
 
 #include <QApplication>
 #include <QTest>
@@ -14,8 +15,9 @@ int main(int argc, char** argv) {
     CanvasPainterTest canvas;
     FrameTest frame;
     BarsTest bars;
+    ViewWidgetTest view;
     int failed = 0;
-    for (QObject* test : std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars})
+    for (QObject* test : std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &view})
         failed += QTest::qExec(test, argc, argv) != 0;
     return failed;
 }
