@@ -75,7 +75,7 @@ bool RtAudioOutput::TryApi(int apiNumber, AudioCallback& c) {
         audio = std::make_unique<RtAudio>(api);
         audio->showWarnings(false);
         if (audio->getDeviceCount() == 0) {
-            Fail(api, "no output device");
+            Fail(api, "RtAudio finds no output device");
             return false;
         }
         RtAudio::StreamParameters parameters;

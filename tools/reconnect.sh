@@ -18,6 +18,8 @@ set -u
 program=$0 work=$1 runs=$2
 now() { date +%s%N; }
 fail() { echo "FAIL: $*"; cat "$work"/*.log; exit 1; }
+jack="" app=""
+trap '"'"'kill $jack $app 2>/dev/null'"'"' EXIT
 
 start_server() { # rate period
     jackd -n "$JACK_DEFAULT_SERVER" -d dummy -r "$1" -p "$2" >"$work/jackd.log" 2>&1 &
