@@ -3,7 +3,9 @@
 #include "engine/AudioCallback.h"
 
 #include <algorithm>
+#include <chrono>
 #include <jack/jack.h>
+#include <thread>
 
 namespace {
 
@@ -89,10 +91,14 @@ void JackOutput::ConnectToPlayback() {
 void JackOutput::Stop() {
     if (client == nullptr)
         return;
-    // A client whose server went away is left as it is (see the class).
     if (!lost.load(std::memory_order_acquire)) {
         jack_deactivate(client);
         jack_client_close(client);
+    } else {
+        // The client is left as it is (see the class). A server that is
+        // gone starts no period, so at most the one under way ends here.
+        for (int i = 0; i < 100 && processing.load(std::memory_order_acquire); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     client = nullptr;
     callback = nullptr;
@@ -106,6 +112,7 @@ std::string JackOutput::Describe() const {
 // and spreads it over the two ports. No waits, no allocation.
 int JackOutput::Process(jack_nframes_t frames, void* arg) {
     JackOutput& self = *static_cast<JackOutput*>(arg);
+    self.processing.store(true);
     float* left = static_cast<float*>(jack_port_get_buffer(self.ports[0], frames));
     float* right = static_cast<float*>(jack_port_get_buffer(self.ports[1], frames));
     const int32_t total = static_cast<int32_t>(frames);
@@ -118,6 +125,7 @@ int JackOutput::Process(jack_nframes_t frames, void* arg) {
         }
         done += n;
     }
+    self.processing.store(false, std::memory_order_release);
     return 0;
 }
 

@@ -16,6 +16,7 @@
 // which only raises the flag that Lost reads; the GUI thread acts on it. The
 // client of a server that went away is never closed: closing it can wait for
 // good on the client's own threads, and would keep the program from ending.
+// Stop then only waits, briefly, for a period still being rendered.
 class JackOutput : public AudioOutput {
   public:
     static constexpr const char* ClientName = "oxbowlantern";
@@ -49,6 +50,7 @@ class JackOutput : public AudioOutput {
     int32_t rate = 0;
     std::atomic<int32_t> period{0};
     std::atomic<bool> lost{false};
+    std::atomic<bool> processing{false}; // while Process runs
     std::string failure;
     float scratch[2 * ChunkFrames] = {};
 };
