@@ -10,7 +10,10 @@ set(CORE_SOURCES
     engine/SoundSystem.cpp
     engine/AudioCallback.cpp
     engine/OfflineOutput.cpp
+    engine/AudioOutput.cpp
+    engine/JackOutput.cpp
     engine/RtAudioOutput.cpp
+    engine/OutputKeeper.cpp
     engine/ClockDisplay.cpp
     engine/SequencerRow.cpp
     song/PatternBank.cpp

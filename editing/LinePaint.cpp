@@ -109,14 +109,14 @@ void FormatPosition(char* out, size_t size, int32_t time, int32_t s, bool notati
         std::snprintf(out, size, " %i+.%f ", beat, r * 0.015625);
 }
 
-// The text stands at the top left of its rectangle on a white ground of its
-// own extent, as a measured rectangle filled and written centred would; the
-// canvas clips it to the rectangle.
+// The rectangle from the row's top to just above the axis is measured to the
+// text, filled white and written in, centred: in a low row the text reaches
+// below that first rectangle, whole, over the axis.
 void DrawPosition(Canvas& dc, const Line& line, const LineFrame& g, int32_t x, int32_t time) {
     char text[40];
     FormatPosition(text, sizeof text, time, g.s, line.notationalFractions == 1);
     dc.Text(Rect{x + 3, g.top, x + 55, g.Above(0.1)}, text, PositionFont,
-            TextSingleLine | TextOpaque, Black);
+            TextSingleLine | TextCenter | TextVCenter | TextOpaque | TextFitted, Black);
 }
 
 } // namespace

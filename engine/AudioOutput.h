@@ -13,7 +13,7 @@ class AudioOutput {
     virtual ~AudioOutput() = default;
 
     // GUI thread: opens the output and starts pulling from callback. False
-    // when no usable output could be opened.
+    // when no usable output could be opened; Failure then says why.
     virtual bool Start(AudioCallback& callback) = 0;
     // GUI thread: stops pulling; no Render runs after it returns.
     virtual void Stop() = 0;
@@ -22,4 +22,13 @@ class AudioOutput {
     virtual int32_t PeriodFrames() const = 0;
     // What was opened, for one line of text: the system, rate and period.
     virtual std::string Describe() const = 0;
+    // GUI thread, asked about once a second while started: true once the
+    // device or its server went away. Nothing is pulled any more; Stop still
+    // has to be called.
+    virtual bool Lost() { return false; }
+    // GUI thread: why the last Start failed, as the library said it.
+    virtual std::string Failure() const { return {}; }
 };
+
+// The one line that Describe gives: "JACK, 48000 Hz, 256 frames (5.3 ms)".
+std::string DescribeDevice(const std::string& system, int32_t rate, int32_t period);

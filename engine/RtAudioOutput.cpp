@@ -4,19 +4,16 @@
 
 #include <RtAudio.h>
 #include <alsa/asoundlib.h>
-#include <jack/jack.h>
 
 namespace {
 
-// The libraries underneath print their own complaints while a system is
-// probed that is not there; the program says one line of its own instead.
-void QuietJack(const char*) {}
+// ALSA prints its own complaints while a device is probed that is not there;
+// the program says one line of its own instead.
 void QuietAlsa(const char*, int, const char*, int, const char*, ...) {}
 
-// The device to open for an API: JACK's "system" client, ALSA's "default"
-// PCM, else the API's default output.
-unsigned int ChooseDevice(RtAudio& audio, RtAudio::Api api) {
-    const char* wanted = api == RtAudio::UNIX_JACK ? "system" : "default";
+// The device to open: ALSA's "default" PCM, else the API's default output.
+unsigned int ChooseDevice(RtAudio& audio) {
+    const char* wanted = "default";
     const unsigned int count = audio.getDeviceCount();
     for (unsigned int i = 0; i < count; ++i) {
         const RtAudio::DeviceInfo info = audio.getDeviceInfo(i);
@@ -26,8 +23,7 @@ unsigned int ChooseDevice(RtAudio& audio, RtAudio::Api api) {
     return audio.getDefaultOutputDevice();
 }
 
-// 48 kHz when offered, else the device's preferred rate. A JACK server offers
-// only its own.
+// 48 kHz when offered, else the device's preferred rate.
 unsigned int ChooseRate(const RtAudio::DeviceInfo& info) {
     for (unsigned int r : info.sampleRates)
         if (r == static_cast<unsigned int>(RtAudioOutput::PreferredRate))
@@ -38,14 +34,7 @@ unsigned int ChooseRate(const RtAudio::DeviceInfo& info) {
 }
 
 const char* ApiLabel(RtAudio::Api api) {
-    switch (api) {
-    case RtAudio::UNIX_JACK:
-        return "JACK";
-    case RtAudio::LINUX_PULSE:
-        return "PulseAudio";
-    default:
-        return "ALSA";
-    }
+    return api == RtAudio::LINUX_PULSE ? "PulseAudio" : "ALSA";
 }
 
 } // namespace
@@ -56,22 +45,24 @@ RtAudioOutput::~RtAudioOutput() {
     Stop();
 }
 
-// Audio thread (RtAudio's or JACK's process thread).
+// Audio thread (RtAudio's stream thread).
 int RtAudioOutput::Callback(void* output, void*, unsigned int frames, double, unsigned int status,
                             void* user) {
     RtAudioOutput* self = static_cast<RtAudioOutput*>(user);
     if ((status & RTAUDIO_OUTPUT_UNDERFLOW) != 0)
         self->underflows.fetch_add(1, std::memory_order_relaxed);
     self->callback->Render(static_cast<float*>(output), static_cast<int32_t>(frames));
+    self->periods.fetch_add(1, std::memory_order_relaxed);
     return 0;
 }
 
 bool RtAudioOutput::Start(AudioCallback& c) {
-    jack_set_error_function(QuietJack);
-    jack_set_info_function(QuietJack);
     snd_lib_error_set_handler(QuietAlsa);
     callback = &c;
-    for (RtAudio::Api api : {RtAudio::UNIX_JACK, RtAudio::LINUX_PULSE, RtAudio::LINUX_ALSA})
+    failure.clear();
+    periods.store(0, std::memory_order_relaxed);
+    periodsAsked = 0;
+    for (RtAudio::Api api : {RtAudio::LINUX_PULSE, RtAudio::LINUX_ALSA})
         if (TryApi(api, c))
             return true;
     callback = nullptr;
@@ -83,13 +74,12 @@ bool RtAudioOutput::TryApi(int apiNumber, AudioCallback& c) {
     try {
         audio = std::make_unique<RtAudio>(api);
         audio->showWarnings(false);
-        // JACK counts no device when no server runs; nothing is started.
         if (audio->getDeviceCount() == 0) {
-            audio.reset();
+            Fail(api, "RtAudio finds no output device");
             return false;
         }
         RtAudio::StreamParameters parameters;
-        parameters.deviceId = ChooseDevice(*audio, api);
+        parameters.deviceId = ChooseDevice(*audio);
         parameters.nChannels = 2;
         parameters.firstChannel = 0;
         const unsigned int wantedRate = ChooseRate(audio->getDeviceInfo(parameters.deviceId));
@@ -108,10 +98,17 @@ bool RtAudioOutput::TryApi(int apiNumber, AudioCallback& c) {
         audio->startStream();
         apiName = ApiLabel(api);
         return true;
-    } catch (const RtAudioError&) {
-        audio.reset();
+    } catch (const RtAudioError& e) {
+        Fail(api, e.getMessage());
         return false;
     }
+}
+
+void RtAudioOutput::Fail(int api, const std::string& reason) {
+    audio.reset();
+    if (!failure.empty())
+        failure += "; ";
+    failure += ApiLabel(static_cast<RtAudio::Api>(api)) + std::string(": ") + reason;
 }
 
 void RtAudioOutput::Stop() {
@@ -128,7 +125,13 @@ void RtAudioOutput::Stop() {
     callback = nullptr;
 }
 
+bool RtAudioOutput::Lost() {
+    const uint64_t now = periods.load(std::memory_order_relaxed);
+    const bool stalled = audio != nullptr && now == periodsAsked;
+    periodsAsked = now;
+    return stalled;
+}
+
 std::string RtAudioOutput::Describe() const {
-    return apiName + " at " + std::to_string(rate) + " Hz, " + std::to_string(period) +
-           "-frame periods";
+    return DescribeDevice(apiName, rate, period);
 }

@@ -9,13 +9,11 @@
 
 class RtAudio;
 
-// The sound device through RtAudio: a running JACK server first, then
-// PulseAudio (or PipeWire's PulseAudio service), then ALSA's "default" device.
-// Float stereo at 48 kHz when the device offers it, else at the device's own
-// rate; 256-frame periods unless the server dictates its own. On JACK the
-// client is named after the program ("oxbowlantern:outport 0" and "1", the
-// port names RtAudio gives) and its ports are connected to the system's
-// playback ports.
+// The sound device through RtAudio when no JACK server runs (JackOutput
+// serves that case): PulseAudio (or PipeWire's PulseAudio service), then
+// ALSA's "default" device. Float stereo at 48 kHz when the device offers it,
+// else at the device's own rate; 256-frame periods unless the server
+// dictates its own. The stream is named after the program.
 class RtAudioOutput : public AudioOutput {
   public:
     static constexpr const char* ClientName = "oxbowlantern";
@@ -30,19 +28,29 @@ class RtAudioOutput : public AudioOutput {
     int32_t SampleRate() const override { return rate; }
     int32_t PeriodFrames() const override { return period; }
     std::string Describe() const override;
+    // True when no period was pulled since the last time it was asked: a
+    // server or a card that went away leaves RtAudio's stream thread
+    // failing or waiting, without a word to the program.
+    bool Lost() override;
+    // What RtAudio said of each system it tried, in order.
+    std::string Failure() const override { return failure; }
 
     // Any thread: periods the device reported as played too late.
     uint64_t Underflows() const { return underflows.load(std::memory_order_relaxed); }
 
   private:
     bool TryApi(int api, AudioCallback& callback);
+    void Fail(int api, const std::string& reason);
     static int Callback(void* output, void* input, unsigned int frames, double time,
                         unsigned int status, void* user);
 
     std::unique_ptr<RtAudio> audio;
     std::string apiName;
+    std::string failure;
     int32_t rate = 0;
     int32_t period = 0;
     AudioCallback* callback = nullptr;
     std::atomic<uint64_t> underflows{0};
+    std::atomic<uint64_t> periods{0};
+    uint64_t periodsAsked = 0; // periods at the last Lost, GUI thread
 };

@@ -4,7 +4,7 @@
 #include "engine/ClockDisplay.h"
 #include "engine/Engine.h"
 #include "engine/EngineLock.h"
-#include "engine/RtAudioOutput.h"
+#include "engine/OutputKeeper.h"
 #include "engine/SoundSystem.h"
 #include "song/FileArchive.h"
 #include "song/Instrument.h"
@@ -13,10 +13,12 @@
 #include "ui/KeyFeed.h"
 #include "ui/KeyMap.h"
 #include "ui/SignalExit.h"
+#include "ui/SoundStatus.h"
 #include "ui/ViewWidget.h"
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QStatusBar>
 #include <csignal>
 #include <cstdio>
 #include <mutex>
@@ -76,12 +78,15 @@ int RunApplication(int argc, char** argv) {
     theEngine->SetClockDisplay(theClockDisplay);
     SoundSystem* sounds = new SoundSystem;
     AudioCallback callback(theEngine, sounds->GetMixer());
-    RtAudioOutput output;
-    if (!output.Start(callback)) {
-        std::fprintf(stderr, "oxbowlantern: no usable sound device (no JACK server, PulseAudio or "
-                             "ALSA default output)\n");
+    OutputKeeper output(callback);
+    if (!output.Open()) {
+        std::fprintf(stderr,
+                     "oxbowlantern: no usable sound device (no JACK server, PulseAudio or "
+                     "ALSA default output): %s\n",
+                     output.Failure().c_str());
         return 255;
     }
+    SoundStatus soundStatus(output, frame.statusBar());
     {
         std::lock_guard<EngineMutex> guard(theEngineLock);
         MainView* v = view->View();
@@ -107,7 +112,7 @@ int RunApplication(int argc, char** argv) {
         theEngine->SetKeyTarget(nullptr);
     }
     view->DeleteView();
-    output.Stop();
+    output.Close();
     delete sounds;
     delete theEngine;
     theEngine = nullptr;

@@ -44,6 +44,10 @@ enum TextFlags : uint32_t {
     TextBottom = 0x8,  // at the bottom (single line only)
     TextSingleLine = 0x20,
     TextOpaque = 0x1000, // the text's own extent is filled white behind it
+    // The rectangle is measured to the text from its top left corner, as
+    // wide and as tall as one line of it, before it is filled and drawn; the
+    // text is then clipped to that, not to the rectangle given.
+    TextFitted = 0x2000,
 };
 
 // What the rows draw on. The view lets rows record on it while it holds the

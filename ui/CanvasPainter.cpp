@@ -148,10 +148,14 @@ void CanvasPainter::DrawPolyline(const std::vector<Point2>& points, Color pen) {
 }
 
 void CanvasPainter::DrawText(const CanvasRecord& record) {
-    const QRect r = ToQRect(record.rect);
+    QRect r = ToQRect(record.rect);
     const QString text = QString::fromStdString(record.text);
     const int alignment = AlignmentFor(record.flags);
     painter.setFont(FontFor(record.font, record.pointSize10));
+    if (record.flags & TextFitted) {
+        const QFontMetrics metrics = painter.fontMetrics();
+        r.setSize(QSize(metrics.horizontalAdvance(text), metrics.height()));
+    }
     if (record.flags & TextOpaque)
         painter.fillRect(painter.boundingRect(r, alignment, text).intersected(r), Qt::white);
     painter.setPen(PenFor(record.pen));

@@ -11,8 +11,8 @@ class QPainter;
 // QPainter, pixel for pixel as the rows mean them: fills and frames cover
 // their rectangle without its right and bottom edges, lines and polylines
 // stop one pixel short of their last point, text is clipped to its
-// rectangle. Repaint requests are not drawing and are skipped. GUI thread
-// only, without the engine lock: the records are a copy.
+// rectangle (or to the rectangle measured to it). Repaint requests are not drawing and are skipped.
+// GUI thread only, without the engine lock: the records are a copy.
 class CanvasPainter {
   public:
     explicit CanvasPainter(QPainter& painter);

@@ -8,6 +8,7 @@
 #include "ui/CanvasPainter.h"
 
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QTimer>
@@ -70,7 +71,7 @@ void ViewWidget::Poll() {
     if (barsChanged.exchange(false))
         MirrorScrollBars();
     if (theClockDisplay != nullptr && theClockDisplay->TakeFrame(clocks))
-        update();
+        UpdateClocks();
     if (frame != nullptr)
         DoFrameAsks();
 }
@@ -144,8 +145,13 @@ void ViewWidget::MirrorScrollBars() {
     vBar->setValue(v.position);
     mirroring = false;
     hBar->setGeometry(place.left, place.top, place.right - place.left, place.bottom - place.top);
-    const int width = vBar->sizeHint().width();
-    vBar->setGeometry(this->width() - width, place.bottom, width, height() - place.bottom);
+    vBar->setGeometry(PaintWidth(), place.bottom, vBar->sizeHint().width(),
+                      height() - place.bottom);
+}
+
+// The width the view is painted in: the window's, less the vertical bar.
+int ViewWidget::PaintWidth() const {
+    return width() - vBar->sizeHint().width();
 }
 
 void ViewWidget::OnHorizontal(int action) {
@@ -168,22 +174,42 @@ void ViewWidget::OnVertical(int action) {
     MirrorScrollBars();
 }
 
+// The paint that follows places the bars for the new size.
 void ViewWidget::resizeEvent(QResizeEvent*) {
+    barsChanged.store(true, std::memory_order_release);
     update();
 }
 
+// Asks for the cells of the newest clock frame to be drawn again, and only
+// them.
+void ViewWidget::UpdateClocks() {
+    clockRegion = QRegion();
+    for (int32_t i = 0; i < clocks.count; ++i) {
+        const Rect& r = clocks.texts[i].rect;
+        clockRegion += QRect(r.left, r.top, r.right - r.left, r.bottom - r.top);
+    }
+    update(clockRegion);
+}
+
 // The rows record their drawing under the engine lock; the pixels are drawn
-// from the copy after the lock is let go.
-void ViewWidget::paintEvent(QPaintEvent*) {
+// from the copy after the lock is let go. A paint of the clock cells alone
+// draws the clocks over what is on the screen.
+void ViewWidget::paintEvent(QPaintEvent* event) {
+    if (!clockRegion.isEmpty() && event->region().subtracted(clockRegion).isEmpty()) {
+        QPainter painter(this);
+        PaintClocks(painter);
+        return;
+    }
     {
         Guard guard(theEngineLock);
         if (view == nullptr)
             return;
         canvas.records.swap(replay);
         canvas.records.clear(); // keeps the room of the paint before
-        view->Paint(canvas, width(), height());
+        view->Paint(canvas, PaintWidth(), height());
         replay.swap(canvas.records);
     }
+    ++recordedPaints;
     QPainter painter(this);
     painter.fillRect(rect(), palette().window());
     CanvasPainter(painter).Replay(replay);

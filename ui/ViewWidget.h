@@ -6,6 +6,7 @@
 #include "ui/MainView.h"
 #include "ui/RecordingCanvas.h"
 
+#include <QRegion>
 #include <QWidget>
 #include <atomic>
 
@@ -28,8 +29,11 @@ class SharedCanvas : public RecordingCanvas {
 // The main view's window: it paints the view's records with QPainter, draws
 // the clocks, mirrors the horizontal and vertical scroll bars, and turns
 // requests made under the engine lock (also by the tick) into window work
-// on a timer. GUI thread only; it takes the engine lock around each model
-// call and never holds it while drawing pixels.
+// on a timer. The view is painted left of the vertical bar, which stands in
+// its own strip at the right edge. A clock refresh redraws only the clock
+// cells, without the engine lock and without recording the rows. GUI thread
+// only; it takes the engine lock around each model call and never holds it
+// while drawing pixels.
 class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
   public:
     explicit ViewWidget(QWidget* parent = nullptr);
@@ -41,6 +45,9 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     // Removes every playhead from the engine and deletes every instrument.
     void DeleteView();
     MainView* View() { return view; }
+    // Paints that recorded the rows; the clocks' own refreshes are not among
+    // them.
+    int64_t RecordedPaints() const { return recordedPaints; }
     void SetFrame(CMainFrame* f) { frame = f; }
 
     // ViewHost: engine lock held, any thread.
@@ -74,6 +81,8 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     void OnVertical(int action);
     void PaintClocks(QPainter& painter);
     void DoFrameAsks();
+    void UpdateClocks();
+    int PaintWidth() const;
 
     MainView* view = nullptr;
     CMainFrame* frame = nullptr;
@@ -83,6 +92,8 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     QScrollBar* vBar;
     QTimer* poll;
     ClockFrame clocks{};
+    QRegion clockRegion; // the cells of clocks
+    int64_t recordedPaints = 0;
     bool mirroring = false;
     std::atomic<bool> repaintWanted{false};
     std::atomic<bool> barsChanged{false};

@@ -233,7 +233,7 @@ TEST_P(PositionTest, PositionTextStandsRightOfTheMark) {
     text.text = c.text;
     text.font = "Times";
     text.pointSize10 = 70;
-    text.flags = TextSingleLine | TextOpaque;
+    text.flags = TextSingleLine | TextCenter | TextVCenter | TextOpaque | TextFitted;
     EXPECT_EQ(r.back(), text);
 }
 

@@ -145,6 +145,20 @@ void CanvasPainterTest::opaqueText() {
     QCOMPARE(image.pixel(0, 1), G);
 }
 
+// A rectangle too low for the text: the fitted text is whole on its white
+// ground, below the rectangle's bottom too; unfitted it is cut there.
+void CanvasPainterTest::fittedText() {
+    std::vector<CanvasRecord> records{
+        TextRecord(Rect{2, 2, 30, 7}, "Ig", Font{"Times", 70},
+                   TextSingleLine | TextCenter | TextVCenter | TextOpaque | TextFitted)};
+    const QImage image = Replay(records, G);
+    QVERIFY2(InkBox(image).bottom() >= 9, qPrintable(QString::number(InkBox(image).bottom())));
+    QVERIFY(image.pixel(2, 9) != G); // the ground (or the ink) reaches below the rectangle
+    QCOMPARE(image.pixel(29, 2), G); // and stops at the text's width
+    records[0].flags &= ~uint32_t(TextFitted);
+    QVERIFY(InkBox(Replay(records, G)).bottom() < 7);
+}
+
 void CanvasPainterTest::repaintDrawsNothing() {
     RecordingCanvas c;
     c.RequestRepaint(Rect{0, 0, 40, 40});

@@ -14,6 +14,7 @@ class CanvasPainterTest : public QObject {
     void textPlacement();
     void textIsClipped();
     void opaqueText();
+    void fittedText();
     void repaintDrawsNothing();
     void fonts_data();
     void fonts();

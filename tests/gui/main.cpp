@@ -3,6 +3,7 @@
 #include "FrameTest.h"
 #include "KeyFeedTest.h"
 #include "PartsTest.h"
+#include "ViewWidgetTest.h"
 
 #include <QApplication>
 #include <QTest>
@@ -16,8 +17,10 @@ int main(int argc, char** argv) {
     FrameTest frame;
     BarsTest bars;
     KeyFeedTest keys;
+    ViewWidgetTest view;
     int failed = 0;
-    for (QObject* test : std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &keys})
+    for (QObject* test :
+         std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &keys, &view})
         failed += QTest::qExec(test, argc, argv) != 0;
     return failed;
 }

@@ -1,0 +1,142 @@
+#include "engine/JackOutput.h"
+
+#include "engine/AudioCallback.h"
+
+#include <algorithm>
+#include <chrono>
+#include <jack/jack.h>
+#include <thread>
+
+namespace {
+
+// libjack prints its own complaints while it looks for a server that is not
+// there; the program says one line of its own instead.
+void Quiet(const char*) {}
+
+std::string StatusText(jack_status_t status) {
+    if ((status & JackServerFailed) != 0)
+        return "no JACK server is running";
+    if ((status & JackVersionError) != 0)
+        return "the JACK server speaks another protocol version";
+    if ((status & JackShmFailure) != 0)
+        return "JACK's shared memory could not be reached";
+    return "the JACK server refused the client";
+}
+
+} // namespace
+
+JackOutput::~JackOutput() {
+    Stop();
+}
+
+bool JackOutput::Start(AudioCallback& c) {
+    jack_set_error_function(Quiet);
+    jack_set_info_function(Quiet);
+    lost.store(false, std::memory_order_release);
+    callback = &c;
+    if (Open())
+        return true;
+    if (client != nullptr)
+        jack_client_close(client);
+    client = nullptr;
+    callback = nullptr;
+    return false;
+}
+
+// Opens the client, registers its ports and callbacks, and starts it; the
+// callback is prepared for the server's rate before the first period.
+bool JackOutput::Open() {
+    jack_status_t status{};
+    client = jack_client_open(ClientName, JackNoStartServer, &status);
+    if (client == nullptr) {
+        failure = StatusText(status);
+        return false;
+    }
+    ports[0] =
+        jack_port_register(client, "outport 0", JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, 0);
+    ports[1] =
+        jack_port_register(client, "outport 1", JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, 0);
+    if (ports[0] == nullptr || ports[1] == nullptr) {
+        failure = "the JACK output ports could not be registered";
+        return false;
+    }
+    rate = static_cast<int32_t>(jack_get_sample_rate(client));
+    period.store(static_cast<int32_t>(jack_get_buffer_size(client)), std::memory_order_relaxed);
+    jack_set_process_callback(client, Process, this);
+    jack_set_buffer_size_callback(client, OnBufferSize, this);
+    jack_on_info_shutdown(client, OnShutdown, this);
+    callback->Prepare(rate);
+    if (jack_activate(client) != 0) {
+        failure = "the JACK client could not be activated";
+        return false;
+    }
+    ConnectToPlayback();
+    return true;
+}
+
+// The left port goes to the first playback port and the right one to the
+// second, or to the first too when there is only one.
+void JackOutput::ConnectToPlayback() {
+    const char** playback = jack_get_ports(client, nullptr, JACK_DEFAULT_AUDIO_TYPE,
+                                           JackPortIsPhysical | JackPortIsInput);
+    if (playback == nullptr)
+        return;
+    for (int i = 0; i < 2 && playback[0] != nullptr; ++i) {
+        const char* to = i == 1 && playback[1] != nullptr ? playback[1] : playback[0];
+        jack_connect(client, jack_port_name(ports[i]), to);
+    }
+    jack_free(playback);
+}
+
+void JackOutput::Stop() {
+    if (client == nullptr)
+        return;
+    if (!lost.load(std::memory_order_acquire)) {
+        jack_deactivate(client);
+        jack_client_close(client);
+    } else {
+        // The client is left as it is (see the class). A server that is
+        // gone starts no period, so at most the one under way ends here.
+        for (int i = 0; i < 100 && processing.load(std::memory_order_acquire); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    client = nullptr;
+    callback = nullptr;
+}
+
+std::string JackOutput::Describe() const {
+    return DescribeDevice("JACK", rate, PeriodFrames());
+}
+
+// Audio thread (JACK's process thread): renders interleaved stereo in chunks
+// and spreads it over the two ports. No waits, no allocation.
+int JackOutput::Process(jack_nframes_t frames, void* arg) {
+    JackOutput& self = *static_cast<JackOutput*>(arg);
+    self.processing.store(true);
+    float* left = static_cast<float*>(jack_port_get_buffer(self.ports[0], frames));
+    float* right = static_cast<float*>(jack_port_get_buffer(self.ports[1], frames));
+    const int32_t total = static_cast<int32_t>(frames);
+    for (int32_t done = 0; done < total;) {
+        const int32_t n = std::min(ChunkFrames, total - done);
+        self.callback->Render(self.scratch, n);
+        for (int32_t i = 0; i < n; ++i) {
+            left[done + i] = self.scratch[2 * i];
+            right[done + i] = self.scratch[2 * i + 1];
+        }
+        done += n;
+    }
+    self.processing.store(false, std::memory_order_release);
+    return 0;
+}
+
+// JACK's thread, between periods: the server changed its period.
+int JackOutput::OnBufferSize(jack_nframes_t frames, void* arg) {
+    static_cast<JackOutput*>(arg)->period.store(static_cast<int32_t>(frames),
+                                                std::memory_order_relaxed);
+    return 0;
+}
+
+// JACK's thread, as from a signal handler: only raises the flag.
+void JackOutput::OnShutdown(jack_status_t, const char*, void* arg) {
+    static_cast<JackOutput*>(arg)->lost.store(true, std::memory_order_release);
+}

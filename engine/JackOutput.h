@@ -1,0 +1,56 @@
+#pragma once
+
+#include "engine/AudioOutput.h"
+
+#include <atomic>
+#include <cstdint>
+#include <jack/types.h>
+#include <string>
+
+// The program's own JACK client, used whenever a JACK server runs: client
+// "oxbowlantern" with the audio output ports "outport 0" (left) and
+// "outport 1" (right), connected to the first two physical playback ports.
+// The server's rate and period are the output's.
+//
+// A server that goes away reaches the client through its shutdown callback,
+// which only raises the flag that Lost reads; the GUI thread acts on it. The
+// client of a server that went away is never closed: closing it can wait for
+// good on the client's own threads, and would keep the program from ending.
+// Stop then only waits, briefly, for a period still being rendered.
+class JackOutput : public AudioOutput {
+  public:
+    static constexpr const char* ClientName = "oxbowlantern";
+
+    JackOutput() = default;
+    ~JackOutput() override;
+    JackOutput(const JackOutput&) = delete;
+    JackOutput& operator=(const JackOutput&) = delete;
+
+    bool Start(AudioCallback& callback) override;
+    void Stop() override;
+    int32_t SampleRate() const override { return rate; }
+    int32_t PeriodFrames() const override { return period.load(std::memory_order_relaxed); }
+    std::string Describe() const override;
+    bool Lost() override { return lost.load(std::memory_order_acquire); }
+    std::string Failure() const override { return failure; }
+
+  private:
+    // Frames rendered at a time into the interleaved scratch buffer.
+    static constexpr int32_t ChunkFrames = 512;
+
+    bool Open();
+    void ConnectToPlayback();
+    static int Process(jack_nframes_t frames, void* self);
+    static int OnBufferSize(jack_nframes_t frames, void* self);
+    static void OnShutdown(jack_status_t code, const char* reason, void* self);
+
+    jack_client_t* client = nullptr;
+    jack_port_t* ports[2] = {};
+    AudioCallback* callback = nullptr;
+    int32_t rate = 0;
+    std::atomic<int32_t> period{0};
+    std::atomic<bool> lost{false};
+    std::atomic<bool> processing{false}; // while Process runs
+    std::string failure;
+    float scratch[2 * ChunkFrames] = {};
+};
