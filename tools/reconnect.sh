@@ -2,20 +2,25 @@
 # Runs the real program under a virtual display on JACK servers of its own
 # (the dummy driver) and takes the server away under it. First: the server
 # stops and another starts at a new rate; the program's output ports must
-# come back, connected to the playback ports. Then RUNS times: the server
+# come back, connected to the playback ports. Then it goes again, and on the
+# server after it the demo started by keys must be heard, frame for frame as
+# the offline render plays it. Then RUNS times: the server
 # stops, and SIGTERM after a delay that varies from run to run must end the
 # program with exit code 0 in under a second.
-# Usage: reconnect.sh PROGRAM [RUNS]
+# Usage: reconnect.sh PROGRAM COMPARE_TAKES [RUNS]
 set -eu
 program=$1
-runs=${2:-10}
+compare=$2
+runs=${3:-10}
+cd "$(dirname "$0")/.."
 work=$(mktemp -d)
+"$program" --render "$work/render.wav" --seconds 5 resources/demo.nst >/dev/null
 export JACK_NO_AUDIO_RESERVATION=1 JACK_DEFAULT_SERVER="oxreconnect$$"
 trap 'rm -rf "$work"' EXIT
 
 xvfb-run -a -s "-screen 0 1280x800x24" bash -c '
 set -u
-program=$0 work=$1 runs=$2
+program=$0 work=$1 runs=$2 compare=$3
 now() { date +%s%N; }
 fail() { echo "FAIL: $*"; cat "$work"/*.log; exit 1; }
 jack="" app=""
@@ -62,7 +67,7 @@ terminate() {
 }
 
 start_server 48000 256
-"$program" >"$work/program.log" 2>&1 &
+"$program" resources/demo.nst >"$work/program.log" 2>&1 &
 app=$!
 wait_ports || fail "the output ports did not show"
 stop_server
@@ -70,6 +75,20 @@ sleep 1.5
 start_server 44100 512
 wait_ports || fail "the output ports did not come back on the new server"
 echo "ports came back on the new server"
+stop_server
+sleep 1.5
+start_server 48000 256
+wait_ports || fail "the output ports did not come back on the third server"
+jack_rec -f "$work/capture.wav" -d 6 -b 32 "oxbowlantern:outport 0" "oxbowlantern:outport 1" \
+    >"$work/rec.log" 2>&1 &
+rec=$!
+sleep 0.5
+xdotool key grave
+sleep 0.3
+xdotool key Return
+wait $rec || true
+"$compare" "$work/capture.wav" "$work/render.wav" 3.9 || fail "the demo was not heard as rendered"
+echo "the demo started by keys is heard on the third server"
 terminate
 [ "$code" = 0 ] || fail "exit after the new server: $code after $ms ms"
 stop_server
@@ -86,4 +105,4 @@ for run in $(seq "$runs"); do
     echo "run $run: SIGTERM ${delays[$(( run % ${#delays[@]} ))]} s after the server went: exit $code in $ms ms"
     [ "$code" = 0 ] || fail "run $run: the program did not end in a second"
 done
-' "$program" "$work" "$runs"
+' "$program" "$work" "$runs" "$compare"
