@@ -71,6 +71,7 @@ int RunApplication(int argc, char** argv) {
     theClockDisplay = new ClockDisplay;
     theEngine->SetClockDisplay(theClockDisplay);
     SoundSystem* sounds = new SoundSystem;
+    view->SetSoundSystem(sounds);
     AudioCallback callback(theEngine, sounds->GetMixer());
     RtAudioOutput output;
     if (!output.Start(callback)) {

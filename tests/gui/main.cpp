@@ -1,3 +1,4 @@
+#include "BarCommandsTest.h"
 #include "BarsTest.h"
 #include "CanvasPainterTest.h"
 #include "FrameTest.h"
@@ -15,9 +16,11 @@ int main(int argc, char** argv) {
     CanvasPainterTest canvas;
     FrameTest frame;
     BarsTest bars;
+    BarCommandsTest barCommands;
     KeyFeedTest keys;
     int failed = 0;
-    for (QObject* test : std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &keys})
+    for (QObject* test :
+         std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &barCommands, &keys})
         failed += QTest::qExec(test, argc, argv) != 0;
     return failed;
 }
