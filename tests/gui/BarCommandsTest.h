@@ -20,14 +20,8 @@ class BarCommandsTest : public QObject {
 
     void tempoControl_data();
     void tempoControl();
-    void timersBarControls_data();
-    void timersBarControls();
-    void splitButtons_data();
-    void splitButtons();
-    void zoomSpins_data();
-    void zoomSpins();
-    void slotButtons_data();
-    void slotButtons();
+    void viewBarControls_data();
+    void viewBarControls();
     void fractionsCheck();
     void loadWaves();
     void saveOnSwitchShown();
