@@ -35,7 +35,10 @@ void BlockStopSignals() {
 }
 
 // Loads each named instrument file as the Load command does; a refused file
-// is named with its reason and the others still load.
+// is named with its reason and the others still load. A loaded instrument
+// stands silent on its level slider until the performer moves it; the files
+// named at start stand in for the program's first instrument, so they get
+// its level and are heard at once.
 void LoadNamedFiles(int argc, char** argv, ViewWidget& view, SoundSystem& sounds) {
     for (int i = 1; i < argc; ++i) {
         try {
@@ -45,6 +48,7 @@ void LoadNamedFiles(int argc, char** argv, ViewWidget& view, SoundSystem& sounds
             view.View()->AddInstrument(added);
             added->Mute();
             added->Unmute();
+            added->SetLevel(0, MainView::FirstInstrumentLevel);
         } catch (const FileError& e) {
             QMessageBox::warning(&view, "oxbowlantern", QString::fromStdString(e.what()));
         }

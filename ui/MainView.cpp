@@ -25,7 +25,7 @@ int32_t Trunc(double v) {
 
 MainView::MainView(ViewHost* h) : slots(15), host(h) {
     NewInstrument();
-    instruments[0]->SetLevel(0, 0.9);
+    instruments[0]->SetLevel(0, FirstInstrumentLevel);
 }
 
 MainView::~MainView() {

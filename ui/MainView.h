@@ -48,6 +48,9 @@ class ViewHost {
 class MainView : public InstrumentView {
   public:
     enum Mode : uint8_t { LineDetail = 1, Insts = 2 };
+    // The level the first instrument gets at start; every other new or
+    // loaded instrument starts at 0.0.
+    static constexpr double FirstInstrumentLevel = 0.9;
     enum ScrollEvent { LineUp, LineDown, PageUp, PageDown, ThumbTrack, ThumbRelease };
 
     explicit MainView(ViewHost* host);
