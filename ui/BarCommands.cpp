@@ -65,10 +65,8 @@ void CMainFrame::OnTempoControl(int32_t mode, int32_t d) {
     }
     const double shown = 60000.0 / commands->TempoStepMs();
     SetField(timersBar->bpmField, Float(shown));
-    if (mode == 1 || mode == 2) {
+    if (mode == 1 || mode == 2)
         slider->setValue(TempoSliderPosition(shown));
-        slider->update();
-    }
 }
 
 void CMainFrame::ConnectViewBar() {
