@@ -77,6 +77,7 @@ int RunApplication(int argc, char** argv) {
     theClockDisplay = new ClockDisplay;
     theEngine->SetClockDisplay(theClockDisplay);
     SoundSystem* sounds = new SoundSystem;
+    view->SetSoundSystem(sounds);
     AudioCallback callback(theEngine, sounds->GetMixer());
     OutputKeeper output(callback);
     if (!output.Open()) {

@@ -3,12 +3,13 @@
 #include "ui/BottomBar.h"
 
 // The bottom bars of the frame, each with its controls at their rectangles.
-// The fields are filled by the frame's Show... operations; the commands of
-// the buttons, spins, checks and sliders are connected by the work that owns
-// them, and until then the controls stand in place and do nothing. Controls
-// that a bar only holds hidden and without any function are left out; the
-// note bar's pitch slider stays, hidden, because ShowNoteBar fills it. GUI
-// thread only.
+// The fields are filled by the frame's Show... operations. The frame connects
+// the commands of the timers bar, the view bar and the line bar's delete
+// button and control group spin (ui/BarCommands.cpp); the other controls
+// stand in place and do nothing until their commands are connected, and
+// "TOGGLE TAPPING" and "Done" never have one. Controls that a bar only holds
+// hidden and without any function are left out; the note bar's pitch slider
+// stays, hidden, because ShowNoteBar fills it. GUI thread only.
 
 // The view's settings: name column, slots, zooms, notation.
 class ViewBar : public BottomBar {

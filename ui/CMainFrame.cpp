@@ -1,6 +1,7 @@
 #include "ui/CMainFrame.h"
 
 #include "ui/AboutDialog.h"
+#include "ui/BarText.h"
 #include "ui/ToolbarImages.h"
 
 #include <QCheckBox>
@@ -12,24 +13,8 @@
 #include <QSlider>
 #include <QToolBar>
 #include <QVBoxLayout>
-#include <algorithm>
 
 namespace {
-
-QString Int(int32_t value) {
-    return QString::asprintf("%i", value);
-}
-
-QString Float(double value) {
-    return QString::asprintf("%f", value);
-}
-
-// Shows the text from its start, as a read-only field does, wherever the
-// cursor stood.
-void SetField(QLineEdit* field, const QString& text) {
-    field->setText(text);
-    field->setCursorPosition(0);
-}
 
 void SetSlider(QSlider* slider, int minimum, int maximum, int position) {
     slider->setRange(minimum, maximum);
@@ -65,6 +50,9 @@ CMainFrame::CMainFrame(QWidget* mainView, FrameCommands* frameCommands)
     CreateCommandToolBar();
     CreateMenus();
     CreateBars();
+    ConnectTimersBar();
+    ConnectViewBar();
+    ConnectLineBar();
 }
 
 // "&Load Instrument", "Save Instrument", "Save As" and the tutorials stand in
@@ -119,8 +107,7 @@ void CMainFrame::CreateStockToolBar() {
     stockToolBar->hide();
 }
 
-// "LOAD WAVES" stands in place without a command until the wave loading is
-// connected to it; "LINE DETAIL (R)" never has one and stays greyed.
+// "LINE DETAIL (R)" never has a command and stays greyed.
 void CMainFrame::CreateCommandToolBar() {
     commandToolBar = new QToolBar(QStringLiteral("Commands"), this);
     commandToolBar->setObjectName(QStringLiteral("commandToolBar"));
@@ -133,7 +120,7 @@ void CMainFrame::CreateCommandToolBar() {
         return action;
     };
     connect(add("SCREEN"), &QAction::triggered, this, &CMainFrame::ToggleViewBar);
-    add("LOAD WAVES");
+    connect(add("LOAD WAVES"), &QAction::triggered, this, &CMainFrame::LoadWaves);
     connect(add("LINE DETAIL (L)"), &QAction::triggered, this,
             [this] { commands->SetViewMode(1); });
     connect(add("INSTS"), &QAction::triggered, this, [this] { commands->SetViewMode(2); });
@@ -207,15 +194,11 @@ void CMainFrame::ToggleViewBar() {
     RepaintFrame();
 }
 
-// The slider's position is the shown BPM, rounded to a float, times 100. The
-// slider keeps its position within its range anyway; clamping before the
-// conversion keeps the conversion defined for any tempo.
 void CMainFrame::ShowTimersBar() {
     BringUp(timersBar, TimersBarUp);
     const double bpm = 60000.0 / commands->TempoStepMs();
     SetField(timersBar->bpmField, Float(bpm));
-    const double position = double(float(bpm)) * 100.0;
-    SetSlider(timersBar->tempoSlider, 3000, 25000, int(std::clamp(position, 3000.0, 25000.0)));
+    SetSlider(timersBar->tempoSlider, 3000, 25000, TempoSliderPosition(bpm));
     RepaintFrame();
 }
 

@@ -2,6 +2,7 @@
 
 #include "ui/Bars.h"
 #include "ui/FrameCommands.h"
+#include "ui/WavePrompts.h"
 
 #include <QMainWindow>
 #include <cstdint>
@@ -40,6 +41,15 @@ class CMainFrame : public QMainWindow {
     void RefreshPatternBar();
     void ShowNoteBar(Line* line, bool isSelection);
 
+    // The timers bar's commands. Modes: 0 the slider let go, 1 one BPM,
+    // 2 a tenth of a BPM, each d times; 3, 4 and 5 every playhead d, 8 d and
+    // 32 d ticks on. The BPM field then shows the first instrument's tempo.
+    void OnTempoControl(int32_t mode, int32_t d);
+    // "LOAD WAVES", also the view's double click on an empty name cell: each
+    // picked file becomes a line of the current instrument; the refused ones
+    // are named in one message at the end.
+    void LoadWaves();
+
     QWidget* view;
     FrameCommands* commands;
     QToolBar* stockToolBar;
@@ -53,12 +63,28 @@ class CMainFrame : public QMainWindow {
     PatternBar* patternBar;
     NoteBar* noteBar;
     uint8_t barState = EmptyBarUp;
+    // The file dialog and the message box of LoadWaves.
+    WavePrompts wavePrompts = SystemWavePrompts();
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     void CreateMenus();
     void CreateStockToolBar();
     void CreateCommandToolBar();
     void CreateBars();
+    // ui/BarCommands.cpp: the commands of the bars' controls.
+    void ConnectTimersBar();
+    void ConnectViewBar();
+    void ConnectLineBar();
+    void OnSplitButton(int32_t direction);
+    void OnSlotButton(int32_t delta);
+    void OnZoomSpin(int32_t which, int spinDelta);
+    void OnMaxZoom3();
+    void OnFractionsCheck();
+    void OnDeleteLines();
+    void OnControlGroupSpin(int spinDelta);
     void BringUp(BottomBar* bar, BarState state);
     void RepaintFrame();
     void ShowAbout();

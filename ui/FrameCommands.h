@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/WaveFile.h"
 #include "song/PlayPoint.h"
 
 #include <cstdint>
@@ -67,4 +68,28 @@ class FrameCommands {
     // The pattern on display of the current instrument
     virtual PatternBarFields PatternBarValues() = 0;
     virtual NoteBarFields NoteBarValues(Line* line, bool isSelection) = 0;
+
+    // The timers bar: one tempo for every instrument in the list, and the
+    // nudge of every playhead by ticks.
+    virtual void SetTempoAll(double stepMs) = 0;
+    virtual void SkipAll(int32_t ticks) = 0;
+
+    // The view bar. SetSplit takes a value strictly between 0.0 and 1.0 and
+    // has the slots laid out anew at the next paint.
+    virtual void SetSplit(double split) = 0;
+    virtual void SetSlotCount(int32_t count) = 0;
+    virtual void ChangeZoom(int32_t which, int32_t direction) = 0;
+    // Flips notationalFractions, gives every line the new value and returns it.
+    virtual bool FlipNotationalFractions() = 0;
+
+    // The line bar, on the highlighted lines of the current instrument.
+    virtual void DeleteHighlighted() = 0;
+    virtual void StepControlGroup(int32_t direction) = 0;
+    // The control group of the first highlighted line, -2 with none.
+    virtual int32_t ControlGroup() = 0;
+
+    // Reads the wave file at path into a new line of the current instrument
+    // named name. Takes the engine lock only around the model's steps, not
+    // while the file is read. Returns why the file was refused, or Ok.
+    virtual WaveStatus LoadWaveAsLine(const std::string& path, const std::string& name) = 0;
 };

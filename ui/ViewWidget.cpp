@@ -2,8 +2,11 @@
 
 #include "editing/Line.h"
 #include "engine/EngineLock.h"
+#include "engine/SoundBuffer.h"
+#include "engine/SoundSystem.h"
 #include "song/Instrument.h"
 #include "song/PatternBank.h"
+#include "song/PatternRow.h"
 #include "ui/CMainFrame.h"
 #include "ui/CanvasPainter.h"
 
@@ -118,6 +121,7 @@ void ViewWidget::DoFrameAsks() {
             frame->ShowNoteBar(r.line, true);
             break;
         case FrameAsk::LoadWaves:
+            frame->LoadWaves();
             break;
         }
     }
@@ -284,7 +288,8 @@ InstrumentBarFields ViewWidget::InstrumentBarValues() {
 PatternBarFields ViewWidget::PatternBarValues() {
     Guard guard(theEngineLock);
     PatternBank* bank = view->Current()->GetBank();
-    return PatternBarFields{bank->GetCurrentPattern(), bank->GetMeasures(), bank->repeat, false};
+    return PatternBarFields{bank->GetCurrentPattern(), bank->GetMeasures(), bank->repeat,
+                            bank->patternRow->saveOnSwitch != 0};
 }
 
 NoteBarFields ViewWidget::NoteBarValues(Line* line, bool) {
@@ -292,6 +297,72 @@ NoteBarFields ViewWidget::NoteBarValues(Line* line, bool) {
     if (line == nullptr)
         return NoteBarFields{PlayPoint{}, 0};
     return NoteBarFields{line->defaultNote, line->LongestSampleMs()};
+}
+
+void ViewWidget::SetTempoAll(double stepMs) {
+    Guard guard(theEngineLock);
+    view->SetTempoAll(stepMs);
+}
+
+void ViewWidget::SkipAll(int32_t ticks) {
+    Guard guard(theEngineLock);
+    view->SkipAll(ticks);
+}
+
+void ViewWidget::SetSplit(double split) {
+    Guard guard(theEngineLock);
+    view->split = split;
+    view->slotsLaidOut = 0;
+}
+
+void ViewWidget::SetSlotCount(int32_t count) {
+    Guard guard(theEngineLock);
+    view->SetSlotCount(count);
+}
+
+void ViewWidget::ChangeZoom(int32_t which, int32_t direction) {
+    Guard guard(theEngineLock);
+    view->ChangeZoom(which, direction);
+}
+
+bool ViewWidget::FlipNotationalFractions() {
+    Guard guard(theEngineLock);
+    view->notationalFractions = view->notationalFractions != 0 ? 0 : 1;
+    view->PushNotationalFractions();
+    return view->notationalFractions != 0;
+}
+
+void ViewWidget::DeleteHighlighted() {
+    Guard guard(theEngineLock);
+    view->DeleteHighlighted();
+}
+
+void ViewWidget::StepControlGroup(int32_t direction) {
+    Guard guard(theEngineLock);
+    view->StepControlGroup(direction);
+}
+
+int32_t ViewWidget::ControlGroup() {
+    Guard guard(theEngineLock);
+    return view->ControlGroup();
+}
+
+// The sound system takes the engine lock itself once the file is read; the
+// line comes into being when the buffer reports back to its instrument. A
+// refused buffer was handed to nobody and goes here.
+WaveStatus ViewWidget::LoadWaveAsLine(const std::string& path, const std::string& name) {
+    SoundBuffer* buffer;
+    {
+        Guard guard(theEngineLock);
+        buffer = view->Current()->NewBufferForNewLine();
+    }
+    sounds->LoadWave(path, name, buffer);
+    const WaveStatus status = sounds->lastStatus;
+    if (status != WaveStatus::Ok) {
+        Guard guard(theEngineLock);
+        delete buffer;
+    }
+    return status;
 }
 
 namespace {

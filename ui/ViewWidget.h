@@ -11,6 +11,7 @@
 #include <atomic>
 
 class CMainFrame;
+class SoundSystem;
 class QScrollBar;
 class QTimer;
 
@@ -49,6 +50,8 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     // them.
     int64_t RecordedPaints() const { return recordedPaints; }
     void SetFrame(CMainFrame* f) { frame = f; }
+    // Where Load Waves reads its files; set before the event loop runs.
+    void SetSoundSystem(SoundSystem* s) { sounds = s; }
 
     // ViewHost: engine lock held, any thread.
     void RequestRepaint() override { repaintWanted.store(true, std::memory_order_release); }
@@ -66,6 +69,16 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     InstrumentBarFields InstrumentBarValues() override;
     PatternBarFields PatternBarValues() override;
     NoteBarFields NoteBarValues(Line* line, bool isSelection) override;
+    void SetTempoAll(double stepMs) override;
+    void SkipAll(int32_t ticks) override;
+    void SetSplit(double split) override;
+    void SetSlotCount(int32_t count) override;
+    void ChangeZoom(int32_t which, int32_t direction) override;
+    bool FlipNotationalFractions() override;
+    void DeleteHighlighted() override;
+    void StepControlGroup(int32_t direction) override;
+    int32_t ControlGroup() override;
+    WaveStatus LoadWaveAsLine(const std::string& path, const std::string& name) override;
 
   protected:
     void paintEvent(QPaintEvent* event) override;
@@ -86,6 +99,7 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
 
     MainView* view = nullptr;
     CMainFrame* frame = nullptr;
+    SoundSystem* sounds = nullptr;
     SharedCanvas canvas;
     std::vector<CanvasRecord> replay; // the last paint's records, drawn without the lock
     QScrollBar* hBar;

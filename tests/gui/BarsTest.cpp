@@ -7,9 +7,11 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QSlider>
 #include <QTest>
 #include <QToolBar>
+#include <QToolButton>
 
 namespace {
 
@@ -376,4 +378,20 @@ void BarsTest::noteBarFields() {
                          bar->panSlider->value()}),
              sliders);
     QVERIFY(bar->pitchSlider->isHidden());
+}
+
+// The delete button leaves the focus on the filter field; the control group
+// spin steps the highlighted lines and shows the first one's group.
+void BarsTest::lineBarCommands() {
+    commands->line.controlGroup = 3;
+    frame->ShowLineBar(nullptr);
+    frame->lineBar->deleteButton->click();
+    QCOMPARE(frame->focusWidget(), frame->lineBar->filterField);
+    frame->lineBar->controlGroupSpin->upArrow->click();
+    QCOMPARE(FieldText(frame->lineBar, "controlGroupField"), QStringLiteral("4"));
+    frame->lineBar->controlGroupSpin->downArrow->click();
+    frame->lineBar->controlGroupSpin->downArrow->click();
+    QCOMPARE(FieldText(frame->lineBar, "controlGroupField"), QStringLiteral("2"));
+    QCOMPARE(commands->calls, (QStringList{"DeleteHighlighted", "StepControlGroup 1",
+                                           "StepControlGroup -1", "StepControlGroup -1"}));
 }

@@ -29,6 +29,7 @@ class BarsTest : public QObject {
     void timersBarFields();
     void noteBarFields_data();
     void noteBarFields();
+    void lineBarCommands();
 
   private:
     void Apply(const QString& step);

@@ -19,6 +19,22 @@ class FakeFrameCommands : public FrameCommands {
     InstrumentBarFields InstrumentBarValues() override { return instrument; }
     PatternBarFields PatternBarValues() override { return pattern; }
     NoteBarFields NoteBarValues(Line*, bool) override { return note; }
+    void SetTempoAll(double ms) override { stepMs = ms; }
+    void SkipAll(int32_t) override {}
+    void SetSplit(double split) override { view.split = split; }
+    void SetSlotCount(int32_t count) override { view.slotCount = count; }
+    void ChangeZoom(int32_t, int32_t) override {}
+    bool FlipNotationalFractions() override { return view.notationalFractions ^= true; }
+    void DeleteHighlighted() override { calls << "DeleteHighlighted"; }
+    void StepControlGroup(int32_t direction) override {
+        calls << QString("StepControlGroup %1").arg(direction);
+        line.controlGroup += direction;
+    }
+    int32_t ControlGroup() override { return line.controlGroup; }
+    WaveStatus LoadWaveAsLine(const std::string& path, const std::string&) override {
+        calls << QString("LoadWaveAsLine %1").arg(QString::fromStdString(path));
+        return WaveStatus::Ok;
+    }
 
     QStringList calls;
     ViewBarFields view{0.225, 5, 4, 32, -1, true};

@@ -35,6 +35,9 @@ QAction* FindMenuAction(QMenuBar* bar, const QString& text) {
 void FrameTest::init() {
     commands = new FakeFrameCommands;
     frame = new CMainFrame(new QWidget, commands);
+    frame->wavePrompts.pickFiles = [](QWidget*, const QString&) {
+        return QStringList{"/w/kick.wav"};
+    };
     frame->show();
 }
 
@@ -110,7 +113,8 @@ void FrameTest::commandRouting_data() {
     QTest::newRow("line detail") << true << "LINE DETAIL (L)" << QStringList{"SetViewMode 1"} << 0;
     QTest::newRow("insts") << true << "INSTS" << QStringList{"SetViewMode 2"} << 0;
     QTest::newRow("line detail right, greyed") << true << "LINE DETAIL (R)" << QStringList{} << 0;
-    QTest::newRow("load waves, later work") << true << "LOAD WAVES" << QStringList{} << 0;
+    QTest::newRow("load waves") << true << "LOAD WAVES" << QStringList{"LoadWaveAsLine /w/kick.wav"}
+                                << 0;
     QTest::newRow("screen") << true << "SCREEN" << QStringList{} << 1;
     QTest::newRow("timers") << true << "TIMERS" << QStringList{} << 2;
 }

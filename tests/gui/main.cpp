@@ -1,3 +1,4 @@
+#include "BarCommandsTest.h"
 #include "BarsTest.h"
 #include "CanvasPainterTest.h"
 #include "FrameTest.h"
@@ -16,11 +17,13 @@ int main(int argc, char** argv) {
     CanvasPainterTest canvas;
     FrameTest frame;
     BarsTest bars;
+    BarCommandsTest barCommands;
     KeyFeedTest keys;
     ViewWidgetTest view;
     int failed = 0;
     for (QObject* test :
-         std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &keys, &view})
+         std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &barCommands, &keys,
+                                         &view})
         failed += QTest::qExec(test, argc, argv) != 0;
     return failed;
 }

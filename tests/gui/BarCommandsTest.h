@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QObject>
+
+class CMainFrame;
+class ClockDisplay;
+class Engine;
+class SoundSystem;
+class ViewWidget;
+
+// The commands of the timers bar, the view bar and Load Waves, on the real
+// view and its model: what each control does to the model and what the bar
+// shows afterwards.
+class BarCommandsTest : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void tempoControl_data();
+    void tempoControl();
+    void viewBarControls_data();
+    void viewBarControls();
+    void fractionsCheck();
+    void loadWaves();
+    void saveOnSwitchShown();
+
+  private:
+    Engine* engine = nullptr;
+    ClockDisplay* clocks = nullptr;
+    SoundSystem* sounds = nullptr;
+    ViewWidget* view = nullptr;
+    CMainFrame* frame = nullptr;
+};
