@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -173,6 +174,19 @@ std::vector<uint8_t> Truncated(std::vector<uint8_t> file, size_t cut) {
 
 const std::vector<uint8_t> Sound = Data({0x00, 0x40, 0x00, 0x20});
 
+// The file with a size field at offset `at` overwritten.
+std::vector<uint8_t> Patched(std::vector<uint8_t> file, size_t at, uint32_t size) {
+    for (int i = 0; i < 4; ++i)
+        file[at + i] = static_cast<uint8_t>(size >> (8 * i));
+    return file;
+}
+
+// A 48-byte stereo 16-bit file whose "data" chunk claims `size` bytes.
+std::vector<uint8_t> ClaimsData(uint32_t size) {
+    return Patched(W().Chunk("fmt ", W::Format(1, 2, 44100, 16)).Chunk("data", Sound).Bytes(), 40,
+                   size);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Cases, WaveRefuses,
     ::testing::Values(
@@ -208,7 +222,14 @@ INSTANTIATE_TEST_SUITE_P(
                 WaveStatus::NoData},
         Refused{"shortdata",
                 Truncated(W().Chunk("fmt ", Pcm16Mono).Chunk("data", Sound).Bytes(), 1),
-                WaveStatus::ShortData}),
+                WaveStatus::ShortData},
+        // Headers that claim more than the file holds are refused before
+        // anything is allocated (bench_sound times the 512 MiB case).
+        Refused{"claims512MiB", ClaimsData(512u << 20), WaveStatus::ShortData},
+        Refused{"claims4GiB", ClaimsData(0xFFFFFFFFu), WaveStatus::ShortData},
+        Refused{"formatclaims4GiB",
+                Patched(W().Chunk("fmt ", Pcm16Mono).Chunk("data", Sound).Bytes(), 16, 0xFFFFFFFFu),
+                WaveStatus::NoFormat}),
     [](const ::testing::TestParamInfo<Refused>& info) { return std::string(info.param.name); });
 
 TEST(WaveRefuses, AMissingFile) {
@@ -244,18 +265,27 @@ TEST(LoadWave, SetsLengthAndBytesPerMsFromTheFormat) {
     EXPECT_EQ(sound.waveDataSize, 176400u);
 }
 
-TEST(LoadWave, LengthOfAnOddSizedEightBitFile) {
-    // 1001 bytes of 8-bit mono at 8000 Hz: 125.125 ms, truncated.
-    const std::string path = W::Save(W().Chunk("fmt ", W::Format(1, 1, 8000, 8))
-                                         .Chunk("data", std::vector<uint8_t>(1001, 128))
-                                         .Bytes(),
-                                     "odd.wav");
-    SoundSystem sound;
-    SoundBuffer buffer(nullptr);
-    sound.LoadWave(path, "odd", &buffer);
-    EXPECT_EQ(buffer.lengthMs, 125);
-    EXPECT_EQ(buffer.bytesPerMs, 8);
+struct LengthCase {
+    int32_t channels, rate, bits;
+    uint32_t dataSize;
+    int32_t ms;
+};
+
+class WaveLength : public ::testing::TestWithParam<LengthCase> {};
+
+TEST_P(WaveLength, TruncatesToWholeMillisecondsWithinAnInt) {
+    const LengthCase c = GetParam();
+    WaveFile wave;
+    wave.format = WaveFormat{c.channels, c.rate, c.channels * c.bits / 8, c.bits, false};
+    wave.dataSize = c.dataSize;
+    EXPECT_EQ(wave.LengthMs(), c.ms);
 }
+
+INSTANTIATE_TEST_SUITE_P(Sizes, WaveLength,
+                         ::testing::Values(LengthCase{1, 8000, 8, 1001, 125}, // 125.125 ms
+                                           LengthCase{2, 44100, 16, 176400, 1000},
+                                           LengthCase{1, 1, 8, 3000000, INT32_MAX},
+                                           LengthCase{1, 1, 8, 0xFFFFFFFFu, INT32_MAX}));
 
 TEST(LoadWave, AFailedLoadLeavesTheBufferUnboundButReady) {
     SoundSystem sound;
