@@ -64,6 +64,7 @@ int RunApplication(int argc, char** argv) {
     theClockDisplay = new ClockDisplay;
     theEngine->SetClockDisplay(theClockDisplay);
     SoundSystem* sounds = new SoundSystem;
+    theSoundSystem = sounds;
     AudioCallback callback(theEngine, sounds->GetMixer());
     RtAudioOutput output;
     if (!output.Start(callback)) {
@@ -88,6 +89,7 @@ int RunApplication(int argc, char** argv) {
     frame.close();
     view->DeleteView();
     output.Stop();
+    theSoundSystem = nullptr;
     delete sounds;
     delete theEngine;
     theEngine = nullptr;

@@ -2,6 +2,7 @@
 
 #include "editing/Line.h"
 #include "engine/EngineLock.h"
+#include "engine/SoundSystem.h"
 #include "song/Instrument.h"
 #include "song/PatternBank.h"
 #include "ui/CMainFrame.h"
@@ -75,6 +76,8 @@ void ViewWidget::Poll() {
         frame->ShowInstrumentBar();
     if (frame != nullptr && patternBarWanted.exchange(false))
         frame->RefreshPatternBar();
+    if (theSoundSystem != nullptr)
+        theSoundSystem->CollectRetired(); // samples of closed instruments and deleted lines
 }
 
 // Qt's bars hold the position between minimum and maximum; the view's hold it
