@@ -5,6 +5,7 @@
 #include "engine/Mixer.h"
 
 #include <chrono>
+#include <thread>
 
 namespace {
 
@@ -53,7 +54,7 @@ void AudioCallback::Prepare(int32_t sampleRate) {
 }
 
 // Audio thread: try_lock, retried without blocking while the GUI thread
-// finishes what it holds the lock for. The retry stops after
+// finishes what it holds the lock for, spinning and yielding the core. The retry stops after
 // LockRetryNanoseconds, or sooner when this buffer's share of retrying is
 // spent, so a lock held for long makes the tick late, never the buffer.
 bool AudioCallback::TryLock() {
@@ -73,6 +74,11 @@ bool AudioCallback::TryLock() {
             CpuRelax();
             locked = theEngineLock.try_lock();
         }
+        // The holder may be waiting for this very core (the tick's wake-up
+        // preempted it there): give it the core to reach its unlock. This
+        // waits for no lock and returns at once when nothing else can run.
+        if (!locked)
+            std::this_thread::yield();
         spent = std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - start).count();
     } while (!locked && spent < allowed);
     theEngineLock.AnnounceTick(false);

@@ -34,61 +34,80 @@ INSTANTIATE_TEST_SUITE_P(Tempos, TimeUnitFormulas,
                                          UnitCase{250, 256, 3, 2, 192, 192, 2},
                                          UnitCase{97, 512, 100, 193, 989, 984, 193}));
 
-TEST(Schedule, NewScheduleHasDefaultsAndEmptyLineTable) {
-    Schedule s;
-    EXPECT_EQ(s.stepMs, 500.0);
-    EXPECT_EQ(s.lengthUnits, 1024);
-    EXPECT_EQ(s.lengthTicks, 1600);
-    EXPECT_EQ(s.capacity, 100);
-    EXPECT_EQ(s.count, 0);
-    EXPECT_EQ(s.playhead.running, 0);
-    EXPECT_EQ(s.playhead.ready, 1);
-    for (int line = 0; line < 4; ++line)
-        EXPECT_EQ(s.lineSampleCounts[line], 0);
+struct FiringCase {
+    const char* name;
+    double stepMs;  // the tempo the pattern is compiled at
+    double retempo; // a tempo set after compiling, 0 for none
+    bool stopped;
+    Points points;
+    int32_t units;
+    int ticks;
+    Fired expected;
+};
+
+class Firing : public testing::TestWithParam<FiringCase> {};
+
+TEST_P(Firing, NotesSoundOnTheirTicksEveryPass) {
+    const FiringCase& c = GetParam();
+    ScheduleFixture f;
+    f.schedule.SetTempo(c.stepMs);
+    f.Play(c.points, c.units);
+    if (c.retempo != 0.0)
+        f.schedule.SetTempo(c.retempo);
+    if (c.stopped)
+        f.schedule.Stop();
+    f.Run(c.ticks);
+    EXPECT_EQ(f.fired, c.expected);
+    EXPECT_LT(f.schedule.playhead.position, f.schedule.lengthTicks);
 }
 
-TEST(Schedule, CommitWithoutStageDoesNothing) {
-    ScheduleFixture f;
-    f.schedule.CommitPattern(1, 0);
-    EXPECT_EQ(f.schedule.playhead.running, 0);
-    EXPECT_EQ(f.schedule.lengthTicks, 1600);
-}
-
-TEST(Schedule, CompileKeepsTwentySpareEntries) {
-    ScheduleFixture f;
-    f.Play({{0, 0}, {64, 1}, {128, 2}}, 512);
-    EXPECT_EQ(f.schedule.count, 3);
-    EXPECT_EQ(f.schedule.capacity, 23);
-    EXPECT_EQ(f.schedule.lengthUnits, 512);
-    EXPECT_EQ(f.schedule.lengthTicks, 800);
-    EXPECT_EQ(f.schedule.staged, 0);
-    EXPECT_EQ(f.schedule.playhead.running, 1);
-}
-
-TEST(Schedule, EventsFireOnTheirTicksEveryPass) {
-    ScheduleFixture f;
-    // 65 units is 101.56 ticks; 64 and 65 land one tick apart.
-    f.Play({{0, 0}, {64, 1}, {65, 2}, {256, 3}}, 512);
-    f.Run(1600);
-    EXPECT_EQ(
-        f.fired,
-        (Fired{{0, 0}, {100, 1}, {101, 2}, {400, 3}, {800, 0}, {900, 1}, {901, 2}, {1200, 3}}));
-}
-
-TEST(Schedule, EventsOnOneTickFireOnceEachInListOrder) {
-    ScheduleFixture f;
-    f.Play({{10, 3}, {10, 1}, {10, 2}}, 512);
-    f.Run(1600);
-    EXPECT_EQ(f.fired, (Fired{{15, 3}, {15, 1}, {15, 2}, {815, 3}, {815, 1}, {815, 2}}));
-}
-
-TEST(Schedule, UnitsOneApartCanShareATick) {
-    ScheduleFixture f;
-    f.schedule.SetTempo(240.0); // 250 BPM: one unit is 0.75 ticks
-    f.Play({{1, 0}, {2, 1}}, 256);
-    f.Run(2);
-    EXPECT_EQ(f.fired, (Fired{{0, 0}, {1, 1}}));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Patterns, Firing,
+    testing::Values(
+        // 65 units is 101.56 ticks; 64 and 65 land one tick apart.
+        FiringCase{"everyPass",
+                   500.0,
+                   0.0,
+                   false,
+                   {{0, 0}, {64, 1}, {65, 2}, {256, 3}},
+                   512,
+                   1600,
+                   {{0, 0}, {100, 1}, {101, 2}, {400, 3}, {800, 0}, {900, 1}, {901, 2}, {1200, 3}}},
+        FiringCase{"oneTickInListOrder",
+                   500.0,
+                   0.0,
+                   false,
+                   {{10, 3}, {10, 1}, {10, 2}},
+                   512,
+                   1600,
+                   {{15, 3}, {15, 1}, {15, 2}, {815, 3}, {815, 1}, {815, 2}}},
+        // 250 BPM: one unit is 0.75 ticks.
+        FiringCase{
+            "unitsShareATick", 240.0, 0.0, false, {{1, 0}, {2, 1}}, 256, 2, {{0, 0}, {1, 1}}},
+        FiringCase{"waitsForTheNextPass",
+                   500.0,
+                   0.0,
+                   false,
+                   {{64, 0}, {128, 1}},
+                   512,
+                   910,
+                   {{100, 0}, {200, 1}, {900, 0}}},
+        FiringCase{"stopped", 500.0, 0.0, true, {{0, 0}}, 512, 900, {}},
+        // The tempo's rounded length falls short of the last unit's tick.
+        FiringCase{"tempoNeverStrandsTheLast",
+                   500.0,
+                   60000.0 / 130,
+                   false,
+                   {{0, 0}, {1023, 1}},
+                   1024,
+                   2944,
+                   {{0, 0}, {1471, 1}, {1472, 0}, {2943, 1}}},
+        // Shorter than a tick: the pattern still wraps, once a tick.
+        FiringCase{
+            "oneUnitCompiledFast", 240.0, 0.0, false, {{0, 0}}, 1, 3, {{0, 0}, {1, 0}, {2, 0}}},
+        FiringCase{
+            "oneUnitMadeFast", 500.0, 240.0, false, {{0, 0}}, 1, 3, {{0, 0}, {1, 0}, {2, 0}}}),
+    [](const testing::TestParamInfo<FiringCase>& i) { return std::string(i.param.name); });
 
 TEST(Schedule, EmptyPatternStillWrapsAndNotifies) {
     struct Counter : SequencerRow {
@@ -196,14 +215,13 @@ TEST(Schedule, LiveTickFollowsTheCompiledLengthAfterATempoChange) {
     EXPECT_EQ(f.schedule.ticks[0], 736);
 }
 
-TEST(Schedule, InsertsBeyondTheSpareRoomGrowByForty) {
+TEST(Schedule, InsertsBeyondTheSpareRoomAllSound) {
     ScheduleFixture f;
     f.Play({{0, 0}}, 512);
     f.Run(10);
     for (int32_t t = 1; t <= 20; ++t)
         f.schedule.InsertPoint(ScheduleFixture::Point(t * 20, static_cast<uint8_t>(t % 8)));
     EXPECT_EQ(f.schedule.count, 21);
-    EXPECT_EQ(f.schedule.capacity, 61);
     f.fired.clear();
     f.Run(790);
     EXPECT_EQ(f.fired.size(), 20u);
@@ -250,16 +268,6 @@ TEST(Schedule, LineRemovedRenumbersLinesAbove) {
     EXPECT_EQ(f.schedule.events[2].line, 4);
 }
 
-TEST(Schedule, TempoChangeNeverStrandsAnEventPastTheEnd) {
-    ScheduleFixture f;
-    f.Play({{0, 0}, {1023, 1}}, 1024);
-    f.schedule.SetTempo(60000.0 / 130);
-    EXPECT_EQ(f.schedule.lengthTicks, 1472);
-    EXPECT_EQ(f.schedule.playhead.lengthTicks, 1472);
-    f.Run(1472 * 2);
-    EXPECT_EQ(f.fired, (Fired{{0, 0}, {1471, 1}, {1472, 0}, {2943, 1}}));
-}
-
 TEST(Schedule, TempoChangeKeepsTheTickPositionOrResetsPastTheEnd) {
     ScheduleFixture f;
     f.Play({}, 512);
@@ -270,25 +278,6 @@ TEST(Schedule, TempoChangeKeepsTheTickPositionOrResetsPastTheEnd) {
     f.schedule.SetTempo(500.0);
     EXPECT_EQ(f.schedule.playhead.position, 100);
     EXPECT_EQ(f.schedule.playhead.stepMs, 500.0);
-}
-
-TEST(Schedule, AfterTheLastEventTheWalkerWaitsForTheNextPass) {
-    ScheduleFixture f;
-    f.Play({{64, 0}, {128, 1}}, 512);
-    f.Run(250);
-    EXPECT_EQ(f.schedule.playhead.index, 0);
-    EXPECT_EQ(f.schedule.playhead.nextTick, 100);
-    f.Run(660);
-    EXPECT_EQ(f.fired, (Fired{{100, 0}, {200, 1}, {900, 0}}));
-}
-
-TEST(Schedule, StopKeepsCountingAndFiresNothing) {
-    ScheduleFixture f;
-    f.Play({{0, 0}}, 512);
-    f.schedule.Stop();
-    f.Run(900);
-    EXPECT_TRUE(f.fired.empty());
-    EXPECT_EQ(f.schedule.playhead.position, 100);
 }
 
 } // namespace
