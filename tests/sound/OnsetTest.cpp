@@ -45,11 +45,6 @@ TEST_P(ExactOnsets, EveryNoteStartsOnItsTicksFrame) {
             expected.emplace_back(AudioCallback::TickFrame(k, c.rate), h);
     ASSERT_GE(expected.size(), 2 * notes.size() - 2) << "every note, twice over";
     EXPECT_EQ(Onsets(out.data(), static_cast<int64_t>(out.size() / 2)), expected);
-    uint64_t boundaries = 0; // ticks whose first frame has been rendered
-    while (AudioCallback::TickFrame(boundaries, c.rate) <
-           static_cast<int64_t>(callback.FramesRendered()))
-        ++boundaries;
-    EXPECT_EQ(callback.TicksRun(), boundaries);
     EXPECT_EQ(callback.LateTicks(), 0u);
 }
 
@@ -91,21 +86,19 @@ TEST_P(CatchUp, LateTicksPlayLateOlderOnesAreDroppedWithoutABurst) {
     OfflineOutput output(48000, 240); // one tick a period
     output.Start(callback);
     output.PullPeriod(); // tick 0 on time
-    {
-        std::atomic<bool> held{false}, release{false};
-        std::thread gui([&] {
-            std::lock_guard<EngineMutex> hold(theEngineLock);
-            held = true;
-            while (!release)
-                std::this_thread::yield();
-        });
-        while (!held)
+    std::atomic<bool> held{false}, release{false};
+    std::thread gui([&] {
+        std::lock_guard<EngineMutex> hold(theEngineLock);
+        held = true;
+        while (!release)
             std::this_thread::yield();
-        for (int32_t i = 0; i < c.heldTicks; ++i)
-            EXPECT_EQ(Onsets(output.PullPeriod(), 240).size(), 0u) << "missed tick " << i + 1;
-        release = true;
-        gui.join();
-    }
+    });
+    while (!held)
+        std::this_thread::yield();
+    for (int32_t i = 0; i < c.heldTicks; ++i)
+        EXPECT_TRUE(Onsets(output.PullPeriod(), 240).empty()) << "missed tick " << i + 1;
+    release = true;
+    gui.join();
     // Ticks 1 to heldTicks + 1 run now; the newest three of them sound.
     const int32_t released = c.heldTicks + 1;
     float heard = 0.0f;
@@ -117,7 +110,6 @@ TEST_P(CatchUp, LateTicksPlayLateOlderOnesAreDroppedWithoutABurst) {
     EXPECT_FLOAT_EQ(onsets[0].second, heard);
     EXPECT_EQ(callback.LateTicks(), static_cast<uint64_t>(c.heldTicks));
     EXPECT_EQ(callback.DroppedNotes(), static_cast<uint64_t>(c.dropped));
-    EXPECT_EQ(callback.TicksRun(), static_cast<uint64_t>(released + 1));
     // The playhead stands where the clock is: the next tick plays its own note.
     const std::vector<std::pair<int64_t, float>> next = Onsets(output.PullPeriod(), 240);
     ASSERT_EQ(next.size(), 1u);
