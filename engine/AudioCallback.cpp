@@ -54,9 +54,10 @@ void AudioCallback::Prepare(int32_t sampleRate) {
 }
 
 // Audio thread: try_lock, retried without blocking while the GUI thread
-// finishes what it holds the lock for, spinning and yielding the core. The retry stops after
-// LockRetryNanoseconds, or sooner when this buffer's share of retrying is
-// spent, so a lock held for long makes the tick late, never the buffer.
+// finishes what it holds the lock for, spinning and yielding the core. The
+// retry stops after LockRetryNanoseconds, or sooner when this buffer's share
+// of retrying is spent, so a lock held for long makes the tick late, never
+// the buffer.
 bool AudioCallback::TryLock() {
     if (theEngineLock.try_lock())
         return true;
