@@ -84,6 +84,18 @@ void Engine::OnTimer() {
     KeyEvent key;
     for (int k = 0; k < KeysPerTick && keyQueue.Pop(key); ++k)
         OnKeyEvent(key.pressed, key.scanCode);
+    CountClock();
+}
+
+int32_t Engine::SilentTick() {
+    int32_t dropped = 0;
+    for (int32_t i = 0; i < playheadCount; ++i)
+        dropped += playheads[i]->Tick(false);
+    CountClock();
+    return dropped;
+}
+
+void Engine::CountClock() {
     if (++refreshCounter < ClockPeriod)
         return;
     ClockPass();

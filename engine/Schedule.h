@@ -9,7 +9,9 @@ class PlayPointList;
 class SequencerRow;
 class SoundBuffer;
 
-// Tick arithmetic. All in doubles, truncated toward zero to 32 bits.
+// Tick arithmetic. All in doubles, truncated toward zero to 32 bits. A
+// pattern length is at least one tick: a pattern shorter than a tick at a
+// fast tempo still wraps, once a tick.
 namespace TimeUnits {
 // Event tick of a point when a pattern is compiled or the tempo changes.
 inline int32_t CompiledTick(int32_t time, double stepMs) {
@@ -21,12 +23,15 @@ inline int32_t LiveTick(int32_t time, int32_t lengthTicks, int32_t lengthUnits) 
 }
 // Pattern length in ticks when a pattern is compiled.
 inline int32_t CompiledLength(int32_t lengthUnits, double stepMs) {
-    return static_cast<int32_t>((stepMs * 0.003125) * lengthUnits);
+    const int32_t ticks = static_cast<int32_t>((stepMs * 0.003125) * lengthUnits);
+    return ticks > 0 ? ticks : 1;
 }
 // Pattern length in ticks at a tempo change: the step is first rounded to
 // whole ticks, so this can come out shorter than the compiled length.
 inline int32_t TempoLength(int32_t lengthUnits, double stepMs) {
-    return static_cast<int32_t>(lengthUnits * 0.015625 * static_cast<int32_t>(stepMs * 0.2));
+    const int32_t ticks =
+        static_cast<int32_t>(lengthUnits * 0.015625 * static_cast<int32_t>(stepMs * 0.2));
+    return ticks > 0 ? ticks : 1;
 }
 } // namespace TimeUnits
 
@@ -34,10 +39,11 @@ inline int32_t TempoLength(int32_t lengthUnits, double stepMs) {
 // tick numbers and play points, with the walker over them. Every operation
 // runs with the engine lock held, on the GUI thread or in the tick.
 //
-// Arrays are reused: a commit swaps the current and staged arrays, so after
-// the first compiles a pattern switch in the tick allocates nothing unless a
-// pattern is larger than any before. No array is freed or moved while a tick
-// reads it, since both sides hold the engine lock.
+// Arrays are reused: a commit swaps the current and staged arrays. The bank
+// reserves room in both for its largest pattern whenever a pattern is stored
+// or grows, on the GUI thread, so a pattern switch in the tick never
+// allocates. No array is freed or moved while a tick reads it, since both
+// sides hold the engine lock.
 class Schedule {
   public:
     static constexpr int32_t Spare = 20;
@@ -54,6 +60,11 @@ class Schedule {
     void SetClockId(int32_t id) { playhead.id = id; }
     void SetTempo(double newStepMs);
     void SetLineTable(SoundBuffer*** samples, int8_t* counts);
+    // GUI thread, engine lock held: room in both the playing and the staged
+    // arrays for a pattern of this many points.
+    void Reserve(int32_t points);
+    // Compiles the list into the staged arrays; allocates only for a list
+    // larger than the room reserved, so never in the tick.
     void StagePattern(const PlayPointList& list);
     void CommitPattern(uint8_t mode, int32_t position);
     void Stop() { playhead.running = 0; }
@@ -87,6 +98,7 @@ class Schedule {
   private:
     int32_t FindPoint(PlayPoint p, int32_t from) const;
     void InsertAt(int32_t i, PlayPoint p, int32_t tick);
+    void GrowCurrent(int32_t size);
     void RemoveAt(int32_t i);
     void EndEdit();
 
