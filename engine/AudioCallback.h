@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/TickTime.h"
+
 #include <atomic>
 #include <cstdint>
 
@@ -20,7 +22,6 @@ class AudioCallback {
     using TickFunction = void (*)(void* context);
     // A tick that moves time on without playing; returns the notes dropped.
     using SilentTickFunction = int32_t (*)(void* context);
-    static constexpr int32_t TicksPerSecond = 200;
     // Catch-up after the lock was held long: the last MaxLateTicks missed
     // ticks run as usual, their notes late by at most that many ticks (10 ms);
     // older missed ticks run silently, so the playheads reach the clock
@@ -51,7 +52,9 @@ class AudioCallback {
     void Render(float* out, int32_t frames);
 
     // The frame at which tick n begins: floor(n x rate / 200).
-    static int64_t TickFrame(int64_t tick, int32_t rate) { return tick * rate / TicksPerSecond; }
+    static int64_t TickFrame(int64_t tick, int32_t rate) {
+        return tick * rate / TickTime::TicksPerSecond;
+    }
 
     int32_t SampleRate() const { return rate; }
 

@@ -1,4 +1,5 @@
 #include "engine/Engine.h"
+#include "engine/TickTime.h"
 
 #include "engine/ClockDisplay.h"
 #include "engine/Playhead.h"
@@ -107,7 +108,7 @@ void Engine::ClockPass() {
     for (int32_t i = 0; i < n; ++i) {
         const Playhead* p = playheads[i];
         if (p->running) {
-            const double q = static_cast<int32_t>(p->position * 5) / p->stepMs;
+            const double q = static_cast<int32_t>(p->position * TickTime::TickMs) / p->stepMs;
             clockBeats[i] = static_cast<int32_t>(q) % 4 + 1;
             clockMeasures[i] = 1 - static_cast<int32_t>(q * -0.25);
         } else {

@@ -92,7 +92,7 @@ void Schedule::StagePattern(const PlayPointList& list) {
     // Points at or past the pattern's length (kept after the length was
     // lowered) are left out: they are silent, and a tick the walker never
     // reaches would hold it there and silence the next pass too.
-    const double ticksPerUnit = stepMs * 0.003125;
+    const double ticksPerUnit = stepMs * TickTime::TicksPerUnitPerStepMs;
     int32_t n = 0;
     while (n < list.count && list.items[n].time < list.bound) {
         stagedEvents[n] = list.items[n];

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/Playhead.h"
+#include "engine/TickTime.h"
 #include "song/PlayPoint.h"
 
 #include <cstdint>
@@ -8,32 +9,6 @@
 class PlayPointList;
 class SequencerRow;
 class SoundBuffer;
-
-// Tick arithmetic. All in doubles, truncated toward zero to 32 bits. A
-// pattern length is at least one tick: a pattern shorter than a tick at a
-// fast tempo still wraps, once a tick.
-namespace TimeUnits {
-// Event tick of a point when a pattern is compiled or the tempo changes.
-inline int32_t CompiledTick(int32_t time, double stepMs) {
-    return static_cast<int32_t>(time * (stepMs * 0.003125));
-}
-// Event tick of a point added or changed while its pattern plays.
-inline int32_t LiveTick(int32_t time, int32_t lengthTicks, int32_t lengthUnits) {
-    return static_cast<int32_t>(static_cast<double>(lengthTicks) / lengthUnits * time);
-}
-// Pattern length in ticks when a pattern is compiled.
-inline int32_t CompiledLength(int32_t lengthUnits, double stepMs) {
-    const int32_t ticks = static_cast<int32_t>((stepMs * 0.003125) * lengthUnits);
-    return ticks > 0 ? ticks : 1;
-}
-// Pattern length in ticks at a tempo change: the step is first rounded to
-// whole ticks, so this can come out shorter than the compiled length.
-inline int32_t TempoLength(int32_t lengthUnits, double stepMs) {
-    const int32_t ticks =
-        static_cast<int32_t>(lengthUnits * 0.015625 * static_cast<int32_t>(stepMs * 0.2));
-    return ticks > 0 ? ticks : 1;
-}
-} // namespace TimeUnits
 
 // The playing pattern of one instrument, compiled into two parallel arrays of
 // tick numbers and play points, with the walker over them. Every operation
