@@ -9,12 +9,17 @@
 // the last position included, lies inside the sample's pad. Each output
 // sample is out + gain x (s0 + frac x (s1 - s0)), frac being the position's
 // fraction rounded once to float, computed in exactly that order, so that
-// the result is the same to the bit whatever the width of the loop.
+// the result is the same to the bit whatever the width of the loop. A 16-bit
+// sample value v is heard as v / 32768, exactly the float it would decode to.
 
 // Audio thread: a stereo sample, left and right interleaved.
 void MixStereo(float* __restrict out, const float* __restrict data, uint64_t position,
+               uint64_t step, int32_t n, float gainLeft, float gainRight);
+void MixStereo(float* __restrict out, const int16_t* __restrict data, uint64_t position,
                uint64_t step, int32_t n, float gainLeft, float gainRight);
 
 // Audio thread: a mono sample, heard on both sides.
 void MixMono(float* __restrict out, const float* __restrict data, uint64_t position, uint64_t step,
              int32_t n, float gainLeft, float gainRight);
+void MixMono(float* __restrict out, const int16_t* __restrict data, uint64_t position,
+             uint64_t step, int32_t n, float gainLeft, float gainRight);

@@ -23,9 +23,11 @@ void Prefetch(const Voice& v, int32_t n) {
     const SampleData& s = *v.sample;
     const uint64_t end = (v.position + v.step * static_cast<uint64_t>(n)) >> 32;
     const uint64_t last = std::min<uint64_t>(end, static_cast<uint64_t>(s.frames)) + 1;
-    const uintptr_t from = reinterpret_cast<uintptr_t>(s.samples + s.channels * (v.position >> 32));
-    const uintptr_t to = reinterpret_cast<uintptr_t>(s.samples + s.channels * (last + 1));
-    for (uintptr_t line = from & ~uintptr_t{63}; line < to; line += 64)
+    const uint64_t frameBytes = s.FrameBytes();
+    const uintptr_t base = reinterpret_cast<uintptr_t>(s.memory);
+    const uintptr_t to = base + frameBytes * (last + 1);
+    for (uintptr_t line = (base + frameBytes * (v.position >> 32)) & ~uintptr_t{63}; line < to;
+         line += 64)
         __builtin_prefetch(reinterpret_cast<const void*>(line));
 }
 
@@ -252,7 +254,11 @@ void Mixer::Mix(float* out, int32_t frames) {
         const uint64_t left = (remaining + v.step - 1) / v.step;
         const int32_t n =
             left < static_cast<uint64_t>(frames) ? static_cast<int32_t>(left) : frames;
-        if (s.channels == 2)
+        if (s.words != nullptr && s.channels == 2)
+            MixStereo(out, s.words, v.position, v.step, n, v.gainLeft, v.gainRight);
+        else if (s.words != nullptr)
+            MixMono(out, s.words, v.position, v.step, n, v.gainLeft, v.gainRight);
+        else if (s.channels == 2)
             MixStereo(out, s.samples, v.position, v.step, n, v.gainLeft, v.gainRight);
         else
             MixMono(out, s.samples, v.position, v.step, n, v.gainLeft, v.gainRight);
