@@ -2,7 +2,6 @@
 
 #include "engine/MixLoops.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -13,22 +12,6 @@ float Attenuation(int32_t hundredthsDb) {
     if (hundredthsDb <= -10000)
         return 0.0f;
     return static_cast<float>(std::pow(10.0, hundredthsDb / 2000.0));
-}
-
-// Audio thread: asks for the cache lines that a voice reads in the next n
-// frames, so that they arrive while the voice before it is mixed. With many
-// voices, each at its own rate, the processor's own stream detection loses
-// track of them and every voice would start on a cache miss.
-void Prefetch(const Voice& v, int32_t n) {
-    const SampleData& s = *v.sample;
-    const uint64_t end = (v.position + v.step * static_cast<uint64_t>(n)) >> 32;
-    const uint64_t last = std::min<uint64_t>(end, static_cast<uint64_t>(s.frames)) + 1;
-    const uint64_t frameBytes = s.FrameBytes();
-    const uintptr_t base = reinterpret_cast<uintptr_t>(s.memory);
-    const uintptr_t to = base + frameBytes * (last + 1);
-    for (uintptr_t line = (base + frameBytes * (v.position >> 32)) & ~uintptr_t{63}; line < to;
-         line += 64)
-        __builtin_prefetch(reinterpret_cast<const void*>(line));
 }
 
 } // namespace
@@ -245,8 +228,6 @@ void Mixer::Mix(float* out, int32_t frames) {
     int32_t* list = table->playing;
     int32_t kept = 0;
     for (int32_t i = 0; i < table->playingCount; ++i) {
-        if (i + 1 < table->playingCount)
-            Prefetch(table->voices[list[i + 1]], frames);
         Voice& v = table->voices[list[i]];
         const SampleData& s = *v.sample;
         // Output frames left before the position passes the last frame.
