@@ -22,11 +22,14 @@ set(CORE_SOURCES
     ui/Row.cpp
     ui/MainView.cpp
     ui/MainViewMouse.cpp
+    ui/MainViewPanels.cpp
     ui/RowList.cpp
     ui/KeyMap.cpp
     ui/ScanCodes.cpp
     editing/Line.cpp
     editing/LinePaint.cpp
+    editing/SamplePanel.cpp
+    editing/VolumePanel.cpp
     song/PatternRow.cpp
     song/FileArchive.cpp
     song/DiskFile.cpp

@@ -59,8 +59,8 @@ void KeyMap::OnKey(uint8_t pressed, uint32_t code) {
     PressLast(code);
 }
 
-// The popup volume panel that Tab shows and hides comes with the panels;
-// until then Tab only keeps its own state.
+// Tab shows and hides the popup volume panel; the window follows on the GUI
+// thread.
 void KeyMap::PressAlways(uint32_t code) {
     if (const int32_t digit = NumpadDigit(code)) {
         view->dropFilterKey = static_cast<uint8_t>(digit);
@@ -78,6 +78,10 @@ void KeyMap::PressAlways(uint32_t code) {
         break;
     case Tab:
         popupShown = !popupShown;
+        if (popupShown)
+            view->ShowPopupVolumePanel();
+        else
+            view->HidePopupVolumePanel();
         break;
     case S:
         view->AskFrame(FrameAsk::ToggleViewBar);

@@ -24,6 +24,7 @@ int32_t Trunc(double v) {
 } // namespace
 
 MainView::MainView(ViewHost* h) : slots(15), host(h) {
+    rowList.panel = &popupVolumePanel;
     NewInstrument();
     instruments[0]->SetLevel(0, FirstInstrumentLevel);
 }
@@ -119,6 +120,7 @@ void MainView::RefreshInstrument() {
         SelectZoom2();
     else
         SelectZoom3();
+    RefreshPanelLists();
     Repaint();
 }
 

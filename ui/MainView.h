@@ -1,5 +1,7 @@
 #pragma once
 
+#include "editing/SamplePanel.h"
+#include "editing/VolumePanel.h"
 #include "song/InstrumentView.h"
 #include "ui/Canvas.h"
 #include "ui/RowList.h"
@@ -26,6 +28,7 @@ enum class FrameAsk : uint8_t {
     DefaultNoteBar,
     SelectionNoteBar,
     LoadWaves,
+    LoadSamples, // into the sample panel's line
 };
 
 // What the view asks of its window. Called with the engine lock held, also
@@ -39,13 +42,15 @@ class ViewHost {
     // The scroll bars or the layout of the window's parts changed.
     virtual void ScrollBarsChanged() = 0;
     virtual void AskFrame(FrameAsk ask, Line* line = nullptr) = 0;
+    // The panels were refilled, shown or hidden.
+    virtual void PanelsChanged() {}
 };
 
 // The view's logic and drawing: the list of open instruments, which one is on
 // the screen, its rows stacked in screen slots, the view modes, the zooms and
 // the two scroll positions. It draws on a Canvas; the window replays that.
 // Every operation runs with the engine lock held.
-class MainView : public InstrumentView {
+class MainView : public InstrumentView, public PanelView {
   public:
     enum Mode : uint8_t { LineDetail = 1, Insts = 2 };
     // The level the first instrument gets at start; every other new or
@@ -87,6 +92,20 @@ class MainView : public InstrumentView {
     void SkipAll(int32_t ticks);
     void VerticalScroll(ScrollEvent event, int32_t track);
     void HorizontalScroll(ScrollEvent event, int32_t track);
+    // The panels (ui/MainViewPanels.cpp). Refills every panel from the
+    // model and tells the window.
+    void RefreshPanels() override;
+    // RefreshInstrument, then the names of the top band, after a rename.
+    void RefreshInstrumentAndNames();
+    // The tab key, in the tick: the popup panel with the highlighted lines.
+    void ShowPopupVolumePanel();
+    void HidePopupVolumePanel();
+    void AddHighlightedToPanel();
+    // A right click on a line's name cell: the line alone in the popup panel.
+    void MakePopupLine(Line* line);
+    // Fills the top panel with every instrument and takes lines that are no
+    // longer in any instrument out of the other two panels.
+    void RefreshPanelLists();
     // Fills the screen slots from the model at once, so that hit tests and
     // the key focus see the new rows, and asks the window for a paint.
     void Repaint();
@@ -143,6 +162,10 @@ class MainView : public InstrumentView {
     int32_t slotCount = 15;
     std::vector<Instrument*> instruments;
     double split = 0.225;
+    SamplePanel samplePanel{this};
+    VolumePanel popupVolumePanel{this, true};
+    VolumePanel topVolumePanel{this, false};
+    uint8_t popupShown = 0; // the popup panel is on the screen
 
   private:
     void SelectZoom12(int32_t mode, int32_t width);
@@ -168,6 +191,7 @@ class MainView : public InstrumentView {
     Row* RowColumnHit(int32_t& x, int32_t y, bool gutter) const;
     Line* LineColumnHit(int32_t& x, int32_t y) const;
     Line* NameColumnLine(int32_t x, int32_t y) const;
+    bool IsLineOfAny(const Line* line) const;
 
     ViewHost* host;
 };

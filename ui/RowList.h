@@ -6,6 +6,7 @@
 #include <vector>
 
 class Line;
+class VolumePanel;
 
 // The rows of the current instrument in stack order, with their highlights,
 // the anchor of shift ranges and the first position on the screen. The
@@ -52,6 +53,8 @@ class RowList {
     int32_t count = 0;
     int32_t capacity = StartCapacity;
     std::vector<RowSlot> entries; // capacity places, count in use
+    // The popup volume panel, which a downward shift range adds lines to.
+    VolumePanel* panel = nullptr;
 
   private:
     bool Inside(int32_t position) const { return position >= 0 && position < count; }
