@@ -103,6 +103,12 @@ class MainView : public InstrumentView, public PanelView {
     void AddHighlightedToPanel();
     // A right click on a line's name cell: the line alone in the popup panel.
     void MakePopupLine(Line* line);
+    // Whether line is a line of any open instrument.
+    bool IsLineOfAny(const Line* line) const;
+    // For a drop of files: the line whose name cell holds (x, y), and
+    // whether (x, y) is on an empty row of the name column (Line Detail).
+    Line* NameCellLine(int32_t x, int32_t y) const { return NameColumnLine(x, y); }
+    bool IsEmptyNameCell(int32_t x, int32_t y) const;
     // Fills the top panel with every instrument and takes lines that are no
     // longer in any instrument out of the other two panels.
     void RefreshPanelLists();
@@ -191,7 +197,6 @@ class MainView : public InstrumentView, public PanelView {
     Row* RowColumnHit(int32_t& x, int32_t y, bool gutter) const;
     Line* LineColumnHit(int32_t& x, int32_t y) const;
     Line* NameColumnLine(int32_t x, int32_t y) const;
-    bool IsLineOfAny(const Line* line) const;
 
     ViewHost* host;
 };

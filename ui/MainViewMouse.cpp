@@ -45,6 +45,11 @@ Line* MainView::NameColumnLine(int32_t x, int32_t y) const {
     return static_cast<Line*>(slots[s].row);
 }
 
+bool MainView::IsEmptyNameCell(int32_t x, int32_t y) const {
+    const int32_t s = SlotAt(y);
+    return viewMode == LineDetail && nameColumnRect.Contains(x, y) && s >= 0 && !slots[s].visible;
+}
+
 void MainView::OnLButtonDown(uint32_t flags, int32_t x, int32_t y) {
     for (int32_t i = 0; i < 3; ++i)
         if (zoomBoxRects[i].Contains(x, y)) {

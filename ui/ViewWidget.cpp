@@ -73,6 +73,8 @@ void ViewWidget::Poll() {
         update();
     if (barsChanged.exchange(false))
         MirrorScrollBars();
+    if (panelsChanged.exchange(false))
+        SyncPanels();
     if (theClockDisplay != nullptr && theClockDisplay->TakeFrame(clocks))
         UpdateClocks();
     if (frame != nullptr)
@@ -123,6 +125,9 @@ void ViewWidget::DoFrameAsks() {
         case FrameAsk::LoadWaves:
             frame->LoadWaves();
             break;
+        case FrameAsk::LoadSamples:
+            frame->LoadSamples();
+            break;
         }
     }
 }
@@ -131,7 +136,7 @@ void ViewWidget::DoFrameAsks() {
 // between minimum and maximum - page + 1, so the mirrored maximum is that.
 void ViewWidget::MirrorScrollBars() {
     ScrollBar h, v;
-    Rect place{};
+    Rect place{}, topPanel{};
     {
         Guard guard(theEngineLock);
         if (view == nullptr)
@@ -139,6 +144,7 @@ void ViewWidget::MirrorScrollBars() {
         h = view->hScrollBar;
         v = view->vScrollBar;
         place = view->hScrollRect;
+        topPanel = view->topPanelRect;
     }
     mirroring = true;
     hBar->setRange(h.minimum, h.maximum - h.page + 1);
@@ -151,6 +157,7 @@ void ViewWidget::MirrorScrollBars() {
     hBar->setGeometry(place.left, place.top, place.right - place.left, place.bottom - place.top);
     vBar->setGeometry(PaintWidth(), place.bottom, vBar->sizeHint().width(),
                       height() - place.bottom);
+    PlacePanels(topPanel);
 }
 
 // The width the view is painted in: the window's, less the vertical bar.

@@ -36,6 +36,34 @@ class FakeFrameCommands : public FrameCommands {
         return WaveStatus::Ok;
     }
 
+    WaveStatus LoadWaveIntoLine(Line*, const std::string& path, const std::string&,
+                                bool& full) override {
+        calls << QString("LoadWaveIntoLine %1").arg(QString::fromStdString(path));
+        full = false;
+        return WaveStatus::Ok;
+    }
+    Line* SamplePanelLine() override { return nullptr; }
+    DropPlace DropPlaceAt(int32_t, int32_t, Line*& l) override {
+        l = nullptr;
+        return DropPlace::Nothing;
+    }
+    void LoadInstrumentFile(const std::string& path, std::vector<MissingWave>&) override {
+        calls << QString("LoadInstrumentFile %1").arg(QString::fromStdString(path));
+    }
+    Instrument* CurrentInstrument() override { return nullptr; }
+    std::string InstrumentName() override { return instrument.name; }
+    void EndRename(const std::string* name) override {
+        calls << (name != nullptr ? QString("EndRename %1").arg(QString::fromStdString(*name))
+                                  : QString("EndRename"));
+    }
+    void InstrumentSpin(int32_t control, int32_t direction) override {
+        calls << QString("InstrumentSpin %1 %2").arg(control).arg(direction);
+    }
+    void PatternCommand(PatternAction action) override {
+        calls << QString("PatternCommand %1").arg(static_cast<int>(action));
+    }
+    void SetSaveOnSwitch(bool on) override { pattern.saveOnSwitch = on; }
+
     QStringList calls;
     ViewBarFields view{0.225, 5, 4, 32, -1, true};
     double stepMs = 500.0;
