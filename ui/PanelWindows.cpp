@@ -62,7 +62,10 @@ VolumePanelWindow::VolumePanelWindow(QWidget* parent, bool linePanel, WithView w
     : QDialog(parent, Qt::Tool | Qt::CustomizeWindowHint | Qt::WindowTitleHint),
       isLinePanel(linePanel), withView(std::move(with)) {
     setObjectName(linePanel ? "popupVolumePanel" : "topVolumePanel");
-    QFont font(QStringLiteral("Impact"));
+    setAttribute(Qt::WA_QuitOnClose, false); // the program ends with its frame
+    QFont font;
+    font.setFamilies({QStringLiteral("Impact"), QStringLiteral("Liberation Sans Narrow"),
+                      QStringLiteral("DejaVu Sans Condensed")});
     font.setPointSize(8);
     setFont(font);
     setFocusPolicy(Qt::NoFocus);
@@ -155,6 +158,7 @@ SamplePanelWindow::SamplePanelWindow(QWidget* parent, WithView with,
                                      std::function<void()> loadSamples)
     : QDialog(parent, Qt::Tool), withView(std::move(with)) {
     setObjectName("samplePanel");
+    setAttribute(Qt::WA_QuitOnClose, false);
     setFont(DialogFont());
     setFixedSize(DluRect(0, 0, 247, 161).size());
     setFocusPolicy(Qt::NoFocus);

@@ -114,6 +114,9 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    // The panels leave the screen with the view, so that closing the frame
+    // ends the program.
+    void hideEvent(QHideEvent* event) override;
 
   private:
     void Poll();

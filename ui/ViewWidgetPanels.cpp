@@ -38,6 +38,12 @@ void ViewWidget::CreatePanels() {
     SyncPanels();
 }
 
+void ViewWidget::hideEvent(QHideEvent*) {
+    for (QWidget* panel : std::initializer_list<QWidget*>{topWindow, popupWindow, sampleWindow})
+        if (panel != nullptr)
+            panel->hide();
+}
+
 void ViewWidget::WithViewLocked(const std::function<void(MainView&)>& f) {
     {
         Guard guard(theEngineLock);
