@@ -107,8 +107,8 @@ WaveStatus ViewWidget::LoadWaveIntoLine(Line* line, const std::string& path,
             return WaveStatus::Missing;
         buffer = line->NewSampleBuffer();
     }
-    sounds->LoadWave(path, name, buffer);
-    const WaveStatus status = sounds->lastStatus;
+    theSoundSystem->LoadWave(path, name, buffer);
+    const WaveStatus status = theSoundSystem->lastStatus;
     {
         Guard guard(theEngineLock);
         if (status != WaveStatus::Ok)
@@ -136,7 +136,7 @@ DropPlace ViewWidget::DropPlaceAt(int32_t x, int32_t y, Line*& line) {
 // The file and its waves are read before the lock is taken: nobody knows
 // the instrument until it joins the view's list.
 void ViewWidget::LoadInstrumentFile(const std::string& path, std::vector<MissingWave>& missing) {
-    std::unique_ptr<Instrument> loaded = LoadInstrument(path, sounds, &missing);
+    std::unique_ptr<Instrument> loaded = LoadInstrument(path, theSoundSystem, &missing);
     Guard guard(theEngineLock);
     Instrument* inst = loaded.release();
     view->AddInstrument(inst);
