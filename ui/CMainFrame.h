@@ -6,6 +6,7 @@
 #include "ui/WavePrompts.h"
 
 #include <QMainWindow>
+#include <QUrl>
 #include <cstdint>
 
 class QToolBar;
@@ -68,6 +69,11 @@ class CMainFrame : public QMainWindow {
     void SaveAsCommand();
     void ChangeNameCommand();
     void ShowTutorial(int number);
+    // Files dropped at a point of the view: ".nst" files load as
+    // "&Load Instrument" loads them, wherever they land; ".wav" files dropped
+    // on a line's name become its samples, on an empty row new lines.
+    // Returns whether any file was taken.
+    bool DropFiles(const QList<QUrl>& urls, QPoint atView);
 
     QWidget* view;
     FrameCommands* commands;
@@ -89,9 +95,6 @@ class CMainFrame : public QMainWindow {
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
-    // ".nst" files dropped anywhere on the window load as "&Load Instrument"
-    // loads them; ".wav" files dropped on a line's name become its samples,
-    // on an empty row new lines.
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 

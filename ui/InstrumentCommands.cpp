@@ -24,9 +24,9 @@ std::string Encoded(const QString& path) {
 }
 
 // The local files among the dropped ones that end in the extension.
-QStringList DroppedFiles(const QMimeData* data, const char* extension) {
+QStringList DroppedFiles(const QList<QUrl>& urls, const char* extension) {
     QStringList files;
-    for (const QUrl& url : data->urls())
+    for (const QUrl& url : urls)
         if (url.isLocalFile() &&
             url.toLocalFile().endsWith(QLatin1String(extension), Qt::CaseInsensitive))
             files << url.toLocalFile();
@@ -165,23 +165,25 @@ void CMainFrame::ShowTutorial(int number) {
 }
 
 void CMainFrame::dragEnterEvent(QDragEnterEvent* event) {
-    const QMimeData* data = event->mimeData();
-    if (!DroppedFiles(data, ".nst").isEmpty() || !DroppedFiles(data, ".wav").isEmpty())
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (!DroppedFiles(urls, ".nst").isEmpty() || !DroppedFiles(urls, ".wav").isEmpty())
         event->acceptProposedAction();
 }
 
 void CMainFrame::dropEvent(QDropEvent* event) {
-    const QMimeData* data = event->mimeData();
-    for (const QString& file : DroppedFiles(data, ".nst"))
+    if (DropFiles(event->mimeData()->urls(), view->mapFrom(this, event->position().toPoint())))
+        event->acceptProposedAction();
+}
+
+bool CMainFrame::DropFiles(const QList<QUrl>& urls, QPoint at) {
+    const QStringList instruments = DroppedFiles(urls, ".nst");
+    for (const QString& file : instruments)
         LoadInstrumentPath(file);
-    const QStringList waves = DroppedFiles(data, ".wav");
-    if (waves.isEmpty())
-        return;
-    const QPoint at = view->mapFrom(this, event->position().toPoint());
+    const QStringList waves = DroppedFiles(urls, ".wav");
     Line* line = nullptr;
-    const DropPlace place = commands->DropPlaceAt(at.x(), at.y(), line);
-    if (place == DropPlace::Nothing)
-        return;
-    LoadWaveFiles(waves, place == DropPlace::LineName ? line : nullptr);
-    event->acceptProposedAction();
+    const DropPlace place =
+        waves.isEmpty() ? DropPlace::Nothing : commands->DropPlaceAt(at.x(), at.y(), line);
+    if (place != DropPlace::Nothing)
+        LoadWaveFiles(waves, place == DropPlace::LineName ? line : nullptr);
+    return !instruments.isEmpty() || place != DropPlace::Nothing;
 }

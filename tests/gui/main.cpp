@@ -2,6 +2,7 @@
 #include "BarsTest.h"
 #include "CanvasPainterTest.h"
 #include "FrameTest.h"
+#include "InstrumentCommandsTest.h"
 #include "KeyFeedTest.h"
 #include "PartsTest.h"
 #include "ViewWidgetTest.h"
@@ -20,10 +21,11 @@ int main(int argc, char** argv) {
     BarCommandsTest barCommands;
     KeyFeedTest keys;
     ViewWidgetTest view;
+    InstrumentCommandsTest instrumentCommands;
     int failed = 0;
     for (QObject* test :
          std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &barCommands, &keys,
-                                         &view})
+                                         &view, &instrumentCommands})
         failed += QTest::qExec(test, argc, argv) != 0;
     return failed;
 }
