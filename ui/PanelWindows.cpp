@@ -39,10 +39,13 @@ void OnRelease(QSlider* slider, const std::function<void(int)>& release) {
     });
 }
 
+// A text wider than its field shows its beginning.
 void SetText(QLineEdit* field, const PanelText& text) {
     const QString t = QString::fromUtf8(text.text);
-    if (field->text() != t)
-        field->setText(t);
+    if (field->text() == t)
+        return;
+    field->setText(t);
+    field->setCursorPosition(0);
 }
 
 void SetSlider(QSlider* slider, int minimum, int maximum, int position) {
