@@ -65,7 +65,8 @@ VolumePanelWindow::VolumePanelWindow(QWidget* parent, bool linePanel, WithView w
     : QDialog(parent, Qt::Tool | Qt::CustomizeWindowHint | Qt::WindowTitleHint),
       isLinePanel(linePanel), withView(std::move(with)) {
     setObjectName(linePanel ? "popupVolumePanel" : "topVolumePanel");
-    setAttribute(Qt::WA_QuitOnClose, false); // the program ends with its frame
+    setAttribute(Qt::WA_QuitOnClose, false);    // the program ends with its frame
+    setAttribute(Qt::WA_ShowWithoutActivating); // the keys stay with the frame
     QFont font;
     font.setFamilies({QStringLiteral("Impact"), QStringLiteral("Liberation Sans Narrow"),
                       QStringLiteral("DejaVu Sans Condensed")});
@@ -98,6 +99,7 @@ VolumePanelWindow::VolumePanelWindow(QWidget* parent, bool linePanel, WithView w
     }
     button = NoFocus(
         new QPushButton(linePanel ? QStringLiteral("Clear") : QStringLiteral("Controls"), this));
+    button->setAutoDefault(false); // Return is a key of the key map, not a click
     if (!linePanel)
         connect(button, &QPushButton::clicked, this,
                 [this] { withView([](MainView& v) { v.topVolumePanel.ToggleControls(); }); });
@@ -162,6 +164,7 @@ SamplePanelWindow::SamplePanelWindow(QWidget* parent, WithView with,
     : QDialog(parent, Qt::Tool), withView(std::move(with)) {
     setObjectName("samplePanel");
     setAttribute(Qt::WA_QuitOnClose, false);
+    setAttribute(Qt::WA_ShowWithoutActivating);
     setFont(DialogFont());
     setFixedSize(DluRect(0, 0, 247, 161).size());
     setFocusPolicy(Qt::NoFocus);
