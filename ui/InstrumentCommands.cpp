@@ -65,9 +65,11 @@ void CMainFrame::ConnectPatternBar() {
         {patternBar->restoreButton, PatternAction::Restore},
         {patternBar->clearButton, PatternAction::Clear},
         {patternBar->doubleButton, PatternAction::Double}};
-    for (const auto& [button, action] : buttons)
-        connect(button, &QPushButton::clicked, this,
+    for (const auto& entry : buttons) {
+        const PatternAction action = entry.second;
+        connect(entry.first, &QPushButton::clicked, this,
                 [this, action] { commands->PatternCommand(action); });
+    }
     connect(patternBar->saveOnSwitchCheck, &QCheckBox::clicked, this, [this](bool checked) {
         commands->SetSaveOnSwitch(checked);
         patternBar->saveOnSwitchCheck->setChecked(commands->PatternBarValues().saveOnSwitch);
