@@ -22,11 +22,14 @@ set(CORE_SOURCES
     ui/Row.cpp
     ui/MainView.cpp
     ui/MainViewMouse.cpp
+    ui/MainViewNotes.cpp
     ui/RowList.cpp
     ui/KeyMap.cpp
     ui/ScanCodes.cpp
     editing/Line.cpp
     editing/LinePaint.cpp
+    editing/LineGestures.cpp
+    editing/LineEdit.cpp
     song/PatternRow.cpp
     song/FileArchive.cpp
     song/DiskFile.cpp

@@ -61,6 +61,9 @@ class Schedule {
     void ReplacePoint(PlayPoint p);
     void RemovePoint(PlayPoint p);
     void RemovePoints(const PlayPoint* sorted, int32_t n);
+    // Many points of distinct times, sorted, in one pass: the same result as
+    // InsertPoint (or ReplacePoint with replace set) of each in turn.
+    void InsertPoints(const PlayPoint* sorted, int32_t n, bool replace);
     void LineRemoved(int32_t line);
     // Audio thread (from the playhead): one tick before the pattern wraps.
     void NotifyPatternEnding();
@@ -88,6 +91,8 @@ class Schedule {
     int32_t FindPoint(PlayPoint p, int32_t from) const;
     void InsertAt(int32_t i, PlayPoint p, int32_t tick);
     void RemoveAt(int32_t i);
+    void Reserve(int32_t newCount);
+    bool HasLineAt(int32_t last, PlayPoint p) const;
     void EndEdit();
 
     // Entries actually allocated; capacity is the logical room the walker

@@ -195,6 +195,23 @@ void PatternBank::RemovePoints(const PlayPoint* points, int32_t n) {
         schedule->RemovePoints(points, n);
 }
 
+// Points at or past the pattern's end reach neither list.
+void PatternBank::AddPoints(const PlayPoint* points, int32_t n) {
+    while (n > 0 && points[n - 1].time >= working.bound)
+        --n;
+    working.InsertSorted(points, n, false);
+    if (ShownIsPlaying() && n > 0)
+        schedule->InsertPoints(points, n, false);
+}
+
+void PatternBank::ReplacePoints(const PlayPoint* points, int32_t n) {
+    while (n > 0 && points[n - 1].time >= working.bound)
+        --n;
+    working.InsertSorted(points, n, true);
+    if (ShownIsPlaying() && n > 0)
+        schedule->InsertPoints(points, n, true);
+}
+
 void PatternBank::RebuildLines() {
     std::vector<PlayPointList*> lists(lineCount);
     for (int32_t i = 0; i < lineCount; ++i)

@@ -457,11 +457,20 @@ void MainView::DeleteHighlighted() {
 }
 
 void MainView::DropFocus() {
-    // A focused line loses its selection here once lines have selections.
+    if (Line* line = FocusedLine())
+        line->Unhighlight();
     theEngine->ClearHighlights();
     host->AskFrame(FrameAsk::EmptyBar);
     focusSlot = -1;
     focusKind = -1;
+    fillKeyState = 0;
+}
+
+Line* MainView::FocusedLine() const {
+    if (focusSlot == -1 || focusKind != -1 || focusSlot >= static_cast<int32_t>(slots.size()))
+        return nullptr;
+    Row* row = slots[focusSlot].row;
+    return row != nullptr && row->type == Row::LineRow ? static_cast<Line*>(row) : nullptr;
 }
 
 void MainView::FocusSequencer(SequencerRow* sequencer) {
