@@ -53,6 +53,7 @@ CMainFrame::CMainFrame(QWidget* mainView, FrameCommands* frameCommands)
     ConnectTimersBar();
     ConnectViewBar();
     ConnectLineBar();
+    ConnectNoteBar();
 }
 
 // "&Load Instrument", "Save Instrument", "Save As" and the tutorials stand in
