@@ -3,6 +3,7 @@
 #include "CanvasPainterTest.h"
 #include "FrameTest.h"
 #include "KeyFeedTest.h"
+#include "NoteBarTest.h"
 #include "PartsTest.h"
 #include "ViewWidgetTest.h"
 
@@ -20,10 +21,10 @@ int main(int argc, char** argv) {
     BarCommandsTest barCommands;
     KeyFeedTest keys;
     ViewWidgetTest view;
+    NoteBarTest noteBar;
     int failed = 0;
-    for (QObject* test :
-         std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &barCommands, &keys,
-                                         &view})
+    for (QObject* test : std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars,
+                                                         &barCommands, &keys, &view, &noteBar})
         failed += QTest::qExec(test, argc, argv) != 0;
     return failed;
 }
