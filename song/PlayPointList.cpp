@@ -99,8 +99,10 @@ void PlayPointList::InsertSorted(const PlayPoint* sorted, int32_t n, bool replac
         --n;
     int32_t added = n;
     if (replace)
-        for (int32_t k = 0; k < n; ++k) {
-            const int32_t i = LineIndex(LowerIndex(sorted[k].time), sorted[k]);
+        for (int32_t k = 0, from = 0; k < n; ++k) {
+            while (from < count && items[from].time < sorted[k].time)
+                ++from;
+            const int32_t i = LineIndex(from, sorted[k]);
             if (i < count && items[i].time == sorted[k].time) {
                 items[i] = sorted[k];
                 --added;
