@@ -85,7 +85,7 @@ struct Stage {
 // mean delay from the press to the note's first frame, at 48 kHz.
 void BM_KeyToSound(benchmark::State& state) {
     const int32_t period = static_cast<int32_t>(state.range(0));
-    const int32_t tickFrames = 48000 / AudioCallback::TicksPerSecond;
+    const int32_t tickFrames = 48000 / TickTime::TicksPerSecond;
     int64_t worst = 0, sum = 0, trials = 0;
     for (auto _ : state) {
         Stage stage(1, 1);

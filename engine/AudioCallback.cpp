@@ -5,6 +5,7 @@
 #include "engine/Mixer.h"
 
 #include <chrono>
+#include <thread>
 
 namespace {
 
@@ -13,8 +14,16 @@ void RunEngineTick(void* engine) {
     static_cast<Engine*>(engine)->OnTimer();
 }
 
-// Audio thread: a no-op tick for a callback without an engine.
+// Audio thread, engine lock held.
+int32_t RunEngineSilentTick(void* engine) {
+    return static_cast<Engine*>(engine)->SilentTick();
+}
+
+// Audio thread: no-op ticks for a callback without an engine.
 void NoTick(void*) {}
+int32_t NoSilentTick(void*) {
+    return 0;
+}
 
 inline void CpuRelax() {
 #if defined(__x86_64__) || defined(__i386__)
@@ -25,9 +34,11 @@ inline void CpuRelax() {
 } // namespace
 
 AudioCallback::AudioCallback(Engine* engine, Mixer& m)
-    : tick(engine != nullptr ? RunEngineTick : NoTick), context(engine), mixer(m) {}
+    : tick(engine != nullptr ? RunEngineTick : NoTick),
+      silent(engine != nullptr ? RunEngineSilentTick : NoSilentTick), context(engine), mixer(m) {}
 
-AudioCallback::AudioCallback(TickFunction t, void* c, Mixer& m) : tick(t), context(c), mixer(m) {}
+AudioCallback::AudioCallback(TickFunction t, SilentTickFunction s, void* c, Mixer& m)
+    : tick(t), silent(s), context(c), mixer(m) {}
 
 void AudioCallback::Prepare(int32_t sampleRate) {
     rate = sampleRate;
@@ -37,14 +48,16 @@ void AudioCallback::Prepare(int32_t sampleRate) {
     dueTicks = 0;
     ticksRun.store(0, std::memory_order_relaxed);
     lateTicks.store(0, std::memory_order_relaxed);
+    droppedNotes.store(0, std::memory_order_relaxed);
     framesRendered.store(0, std::memory_order_relaxed);
     mixer.SetOutputRate(sampleRate);
 }
 
 // Audio thread: try_lock, retried without blocking while the GUI thread
-// finishes what it holds the lock for. The retry stops after
-// LockRetryNanoseconds, or sooner when this buffer's share of retrying is
-// spent, so a lock held for long makes the tick late, never the buffer.
+// finishes what it holds the lock for, spinning and yielding the core. The
+// retry stops after LockRetryNanoseconds, or sooner when this buffer's share
+// of retrying is spent, so a lock held for long makes the tick late, never
+// the buffer.
 bool AudioCallback::TryLock() {
     if (theEngineLock.try_lock())
         return true;
@@ -62,6 +75,11 @@ bool AudioCallback::TryLock() {
             CpuRelax();
             locked = theEngineLock.try_lock();
         }
+        // The holder may be waiting for this very core (the tick's wake-up
+        // preempted it there): give it the core to reach its unlock. This
+        // waits for no lock and returns at once when nothing else can run.
+        if (!locked)
+            std::this_thread::yield();
         spent = std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - start).count();
     } while (!locked && spent < allowed);
     theEngineLock.AnnounceTick(false);
@@ -71,15 +89,21 @@ bool AudioCallback::TryLock() {
 }
 
 // Audio thread: runs every due tick under the engine lock, or none if the lock
-// cannot be had; they then run at the next boundary.
+// cannot be had; they then run at the next boundary. Of the due ticks, those
+// older than MaxLateTicks run silently.
 void AudioCallback::RunDueTicks() {
     if (!TryLock())
         return;
-    for (int32_t i = 0; i < dueTicks; ++i)
+    const int32_t silentTicks = dueTicks - 1 - MaxLateTicks;
+    int64_t dropped = 0;
+    for (int32_t i = 0; i < silentTicks; ++i)
+        dropped += silent(context);
+    for (int32_t i = silentTicks > 0 ? silentTicks : 0; i < dueTicks; ++i)
         tick(context);
     theEngineLock.unlock();
-    ticksRun.fetch_add(dueTicks, std::memory_order_relaxed);
-    lateTicks.fetch_add(dueTicks - 1, std::memory_order_relaxed);
+    ticksRun.fetch_add(static_cast<uint64_t>(dueTicks), std::memory_order_relaxed);
+    lateTicks.fetch_add(static_cast<uint64_t>(dueTicks - 1), std::memory_order_relaxed);
+    droppedNotes.fetch_add(static_cast<uint64_t>(dropped), std::memory_order_relaxed);
     dueTicks = 0;
 }
 

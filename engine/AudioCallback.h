@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/TickTime.h"
+
 #include <atomic>
 #include <cstdint>
 
@@ -12,13 +14,20 @@ class Mixer;
 //
 // Render cuts each buffer into slices that end on tick boundaries. At each
 // boundary it takes the engine lock with try_lock and runs the tick; a tick
-// that cannot take it runs at the next boundary together with the new one:
-// late, never lost, and counted. Then the mixer applies its commands and
-// mixes the slice, so a tick's notes start on the tick's own frame.
+// that cannot take it runs at the next boundary that can, together with the
+// new one, and is counted late. Then the mixer applies its commands and mixes
+// the slice, so a tick's notes start on the tick's own frame.
 class AudioCallback {
   public:
     using TickFunction = void (*)(void* context);
-    static constexpr int32_t TicksPerSecond = 200;
+    // A tick that moves time on without playing; returns the notes dropped.
+    using SilentTickFunction = int32_t (*)(void* context);
+    // Catch-up after the lock was held long: the last MaxLateTicks missed
+    // ticks run as usual, their notes late by at most that many ticks (10 ms);
+    // older missed ticks run silently, so the playheads reach the clock
+    // without their notes stacking onto one frame. Those notes are dropped
+    // and counted (DroppedNotes).
+    static constexpr int32_t MaxLateTicks = 2;
     // How long one boundary keeps retrying try_lock while the GUI thread holds
     // the lock. The GUI keeps it for microseconds per operation, but a thread
     // can be preempted while it holds it; the retry rides that out. Bounded
@@ -30,8 +39,9 @@ class AudioCallback {
 
     // engine may be null: then no tick runs and only the mixer sounds.
     AudioCallback(Engine* engine, Mixer& mixer);
-    // Runs tick(context) at each boundary instead of an engine's tick.
-    AudioCallback(TickFunction tick, void* context, Mixer& mixer);
+    // Runs tick(context) at each boundary instead of an engine's tick, and
+    // silent(context) for missed ticks beyond MaxLateTicks.
+    AudioCallback(TickFunction tick, SilentTickFunction silent, void* context, Mixer& mixer);
 
     // Before the output starts pulling (any thread): the device's rate. The
     // clock starts again at frame 0, where tick 0 stands.
@@ -42,13 +52,18 @@ class AudioCallback {
     void Render(float* out, int32_t frames);
 
     // The frame at which tick n begins: floor(n x rate / 200).
-    static int64_t TickFrame(int64_t tick, int32_t rate) { return tick * rate / TicksPerSecond; }
+    static int64_t TickFrame(int64_t tick, int32_t rate) {
+        return tick * rate / TickTime::TicksPerSecond;
+    }
 
     int32_t SampleRate() const { return rate; }
 
-    // Any thread: counters since Prepare.
+    // Any thread (a status bar reads them): counters since Prepare. Late
+    // ticks ran after their boundary, played late or silent; dropped notes
+    // were passed over by silent ticks.
     uint64_t TicksRun() const { return ticksRun.load(std::memory_order_relaxed); }
     uint64_t LateTicks() const { return lateTicks.load(std::memory_order_relaxed); }
+    uint64_t DroppedNotes() const { return droppedNotes.load(std::memory_order_relaxed); }
     uint64_t FramesRendered() const { return framesRendered.load(std::memory_order_relaxed); }
 
   private:
@@ -56,6 +71,7 @@ class AudioCallback {
     bool TryLock();
 
     TickFunction tick;
+    SilentTickFunction silent;
     void* context;
     Mixer& mixer;
 
@@ -69,5 +85,6 @@ class AudioCallback {
 
     std::atomic<uint64_t> ticksRun{0};
     std::atomic<uint64_t> lateTicks{0};
+    std::atomic<uint64_t> droppedNotes{0};
     std::atomic<uint64_t> framesRendered{0};
 };

@@ -1,4 +1,5 @@
 #include "engine/Engine.h"
+#include "engine/TickTime.h"
 
 #include "engine/ClockDisplay.h"
 #include "engine/Playhead.h"
@@ -84,6 +85,18 @@ void Engine::OnTimer() {
     KeyEvent key;
     for (int k = 0; k < KeysPerTick && keyQueue.Pop(key); ++k)
         OnKeyEvent(key.pressed, key.scanCode);
+    CountClock();
+}
+
+int32_t Engine::SilentTick() {
+    int32_t dropped = 0;
+    for (int32_t i = 0; i < playheadCount; ++i)
+        dropped += playheads[i]->Tick(false);
+    CountClock();
+    return dropped;
+}
+
+void Engine::CountClock() {
     if (++refreshCounter < ClockPeriod)
         return;
     ClockPass();
@@ -95,7 +108,7 @@ void Engine::ClockPass() {
     for (int32_t i = 0; i < n; ++i) {
         const Playhead* p = playheads[i];
         if (p->running) {
-            const double q = static_cast<int32_t>(p->position * 5) / p->stepMs;
+            const double q = static_cast<int32_t>(p->position * TickTime::TickMs) / p->stepMs;
             clockBeats[i] = static_cast<int32_t>(q) % 4 + 1;
             clockMeasures[i] = 1 - static_cast<int32_t>(q * -0.25);
         } else {

@@ -62,6 +62,12 @@ class Engine {
     // Audio thread, engine lock held: no waits, no allocation, no I/O.
     void OnTimer();
 
+    // A tick whose notes are dropped: every playhead moves on and pattern
+    // ends switch patterns as usual, but nothing plays and no key event is
+    // taken (they wait for the next sounding tick). Returns the notes
+    // dropped. Audio thread, engine lock held, when ticks ran very late.
+    int32_t SilentTick();
+
     void SetClockDisplay(ClockDisplay* display) { clockDisplay = display; }
     void SetKeyTarget(KeyTarget* target) { keyTarget = target; }
 
@@ -79,6 +85,7 @@ class Engine {
     int32_t clockIds[32] = {};
 
   private:
+    void CountClock();
     void ClockPass();
 
     SpscRing<KeyEvent, 256> keyQueue;

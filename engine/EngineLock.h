@@ -12,14 +12,21 @@
 //
 // A thread that holds the lock in a tight loop could take it back before a
 // trying tick ever sees it free. So the audio thread announces a tick while
-// it tries, and lock() on any other thread first lets such a tick go ahead.
+// it tries, and lock() on any other thread lets such a tick go first: it
+// waits while a tick is announced, and if a tick was announced just as it
+// took the lock, it lets go again at once.
 class EngineMutex {
   public:
     // Any thread but the audio thread: waits for an announced tick, then locks.
     void lock() {
-        while (tickWaiting.load(std::memory_order_acquire))
-            std::this_thread::yield();
-        mutex.lock();
+        for (;;) {
+            while (tickWaiting.load(std::memory_order_acquire))
+                std::this_thread::yield();
+            mutex.lock();
+            if (!tickWaiting.load(std::memory_order_acquire))
+                return;
+            mutex.unlock();
+        }
     }
     void unlock() { mutex.unlock(); }
     bool try_lock() { return mutex.try_lock(); }

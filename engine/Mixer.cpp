@@ -67,7 +67,6 @@ Mixer::~Mixer() {
 }
 
 int32_t Mixer::Attach(SampleData* sample) {
-    Collect();
     int32_t voice;
     if (!freeVoices.empty()) {
         voice = freeVoices.back();

@@ -62,10 +62,12 @@ class Mixer {
     // GUI thread, engine lock held: gives the sample a voice of its own and
     // returns the voice number, or -1 when the queue is full (the sample then
     // stays the caller's). Grows the voice table when every voice is taken.
+    // Reuses only voices that Collect has made free again.
     int32_t Attach(SampleData* sample);
 
-    // GUI thread (with or without the engine lock): frees the samples and
-    // tables the mixer has let go of, and makes their voices free again.
+    // GUI thread, best without the engine lock (unmapping a large sample
+    // takes long): frees the samples and tables the mixer has let go of, and
+    // makes their voices free again.
     void Collect();
 
     // Audio thread, or any thread before the output starts: sets the device

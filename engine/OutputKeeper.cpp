@@ -38,6 +38,7 @@ bool OutputKeeper::Check() {
         if (!current->Lost())
             return true;
         lateBefore += callback.LateTicks();
+        droppedBefore += callback.DroppedNotes();
         const std::string described = current->Describe();
         lostOutput = described.substr(0, described.find(','));
         tries = 0;
@@ -70,6 +71,10 @@ uint64_t OutputKeeper::LateTicks() const {
     return lateBefore + (current != nullptr ? callback.LateTicks() : 0);
 }
 
+uint64_t OutputKeeper::DroppedNotes() const {
+    return droppedBefore + (current != nullptr ? callback.DroppedNotes() : 0);
+}
+
 std::string OutputKeeper::StatusText() const {
     if (current != nullptr)
         return "Sound: " + current->Describe() + "    " + CountsText();
@@ -80,8 +85,8 @@ std::string OutputKeeper::StatusText() const {
            std::to_string(tries) + (tries == 1 ? " try)" : " tries)") + "    " + CountsText();
 }
 
-// The counters since start. The engine's count of dropped notes belongs
-// here beside the late ticks.
+// The counters since start, over every output the program has had.
 std::string OutputKeeper::CountsText() const {
-    return "Late ticks: " + std::to_string(LateTicks());
+    return "Late ticks: " + std::to_string(LateTicks()) +
+           "    Dropped notes: " + std::to_string(DroppedNotes());
 }

@@ -43,6 +43,8 @@ class OutputKeeper {
     std::string Failure() const;
     // Ticks that ran late since the program started, over every output.
     uint64_t LateTicks() const;
+    // Notes left out when the tick caught up after a long hold, likewise.
+    uint64_t DroppedNotes() const;
     // The status line: the open output, or that the sound is gone and is
     // being tried again; then the counters since start.
     std::string StatusText() const;
@@ -53,7 +55,8 @@ class OutputKeeper {
     AudioCallback& callback;
     Outputs outputs;
     AudioOutput* current = nullptr;
-    uint64_t lateBefore = 0; // late ticks of the outputs before the current one
-    std::string lostOutput;  // the system of the output that went away
-    int32_t tries = 0;       // tries since it went away
+    uint64_t lateBefore = 0;    // late ticks of the outputs before the current one
+    uint64_t droppedBefore = 0; // and their dropped notes
+    std::string lostOutput;     // the system of the output that went away
+    int32_t tries = 0;          // tries since it went away
 };

@@ -3,10 +3,10 @@
 #include "engine/Schedule.h"
 #include "engine/SoundBuffer.h"
 
-bool Playhead::FireNext() {
+bool Playhead::FireNext(bool audible) {
     const PlayPoint e = events[index];
     SoundBuffer** samples = lineSamples[e.line];
-    for (int32_t s = 0; s < lineSampleCounts[e.line]; ++s)
+    for (int32_t s = 0; audible && s < lineSampleCounts[e.line]; ++s)
         samples[s]->Play(e);
     bool more = true;
     if (++index == count) {
@@ -18,16 +18,19 @@ bool Playhead::FireNext() {
     return more;
 }
 
-void Playhead::Tick() {
+int32_t Playhead::Tick(bool audible) {
+    int32_t fired = 0;
     if (ready && running && count && nextTick == position) {
-        while (FireNext() && nextTick == position) {
-        }
+        do
+            ++fired;
+        while (FireNext(audible) && nextTick == position);
     }
     ++position;
     if (position == lengthTicks - 1)
         schedule->NotifyPatternEnding();
     if (position == lengthTicks)
         position = 0;
+    return fired;
 }
 
 void Playhead::Skip(int32_t n) {

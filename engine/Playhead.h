@@ -17,8 +17,9 @@ class Playhead {
     Playhead(const Playhead&) = delete;
     Playhead& operator=(const Playhead&) = delete;
 
-    // Audio thread: one tick. No allocation, no division.
-    void Tick();
+    // Audio thread: one tick. No allocation, no division. A silent tick
+    // moves on as usual but plays nothing. Returns the events passed.
+    int32_t Tick(bool audible = true);
     // Moves the position by n ticks; events passed over going forward fire,
     // also while stopped. Going backward fires nothing.
     void Skip(int32_t n);
@@ -45,6 +46,7 @@ class Playhead {
     int32_t position = 0;
 
   private:
-    // Plays the event at index and moves on; false once the last event fired.
-    bool FireNext();
+    // Plays the event at index (when audible) and moves on; false once the
+    // last event fired.
+    bool FireNext(bool audible = true);
 };

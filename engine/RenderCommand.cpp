@@ -153,6 +153,10 @@ int RenderMain(int argc, const char* const* argv) {
         std::fputs(RenderUsage().c_str(), stdout);
         return 0;
     }
+    if (options.version) {
+        std::puts("oxbowlantern " OX_VERSION);
+        return 0;
+    }
     std::string error;
     const int code = Render(options, error);
     if (code != 0)

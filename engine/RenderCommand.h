@@ -17,7 +17,7 @@
 // refused or the output cannot be written. No output file is left then.
 int Render(const RenderOptions& options, std::string& error);
 
-// The program's entry for a command line (--render, --help). Prints the usage
+// The program's entry for a command line (--render, --help, --version). Prints the usage
 // or a one-line error; returns the exit code: 0, 1 for a refused file or a
 // failed write, 2 for a bad option or value.
 int RenderMain(int argc, const char* const* argv);

@@ -67,6 +67,13 @@ bool TakeOption(const std::string& name, const char* value, RenderOptions& o, st
 
 } // namespace
 
+bool IsCommandLine(int argc, const char* const* argv) {
+    if (argc < 2)
+        return false;
+    const std::string first = argv[1];
+    return first == "--render" || first == "--help" || first == "--version";
+}
+
 std::string RenderUsage() {
     return "Usage: oxbowlantern --render OUT.wav [options] FILE.nst...\n"
            "Starts the same pattern of every instrument file together, as the Enter key\n"
@@ -77,15 +84,17 @@ std::string RenderUsage() {
            "  --bpm B       tempo, 30 to 250 beats a minute (default 120)\n"
            "  --rate R      frames per second, 8000 to 192000 (default 48000)\n"
            "  --level L     level of every instrument, 0 to 1 (default 0.9)\n"
-           "  --help        this text\n";
+           "  --help        this text\n"
+           "  --version     the program's version\n";
 }
 
 std::string ParseRenderOptions(int argc, const char* const* argv, RenderOptions& options) {
-    for (int i = 0; i < argc; ++i)
-        if (std::strcmp(argv[i], "--help") == 0) {
-            options.help = true;
-            return std::string();
-        }
+    for (int i = 0; i < argc; ++i) {
+        options.help = options.help || std::strcmp(argv[i], "--help") == 0;
+        options.version = options.version || std::strcmp(argv[i], "--version") == 0;
+    }
+    if (options.help || options.version)
+        return std::string();
     for (int i = 0; i < argc; ++i) {
         const std::string arg = argv[i];
         if (arg.rfind("--", 0) != 0) {

@@ -14,7 +14,12 @@ struct RenderOptions {
     int32_t rate = 48000;
     double level = 0.9; // each instrument's own level
     bool help = false;
+    bool version = false;
 };
+
+// Whether the program's arguments ask for the command line rather than the
+// windows: only when the first one is --render, --help or --version.
+bool IsCommandLine(int argc, const char* const* argv);
 
 // The text of --help.
 std::string RenderUsage();

@@ -3,6 +3,7 @@
 #include "engine/SequencerRow.h"
 #include "song/PlayPointList.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -58,19 +59,40 @@ void Schedule::SetLineTable(SoundBuffer*** samples, int8_t* counts) {
     playhead.ready = 1;
 }
 
-void Schedule::StagePattern(const PlayPointList& list) {
-    const int32_t room = list.count + Spare;
+void Schedule::Reserve(int32_t points) {
+    const int32_t room = points + Spare;
     if (stagedAllocated < room) {
+        const int32_t size = std::max(room, stagedAllocated + stagedAllocated / 2);
         delete[] stagedTicks;
         delete[] stagedEvents;
-        stagedTicks = AllocateOrExit<int32_t>(room);
-        stagedEvents = AllocateOrExit<PlayPoint>(room);
-        stagedAllocated = room;
+        stagedTicks = AllocateOrExit<int32_t>(size);
+        stagedEvents = AllocateOrExit<PlayPoint>(size);
+        stagedAllocated = size;
     }
+    if (allocated < room)
+        GrowCurrent(std::max(room, allocated + allocated / 2));
+}
+
+// Moves the playing arrays into larger ones; the playhead follows.
+void Schedule::GrowCurrent(int32_t size) {
+    int32_t* newTicks = AllocateOrExit<int32_t>(size);
+    PlayPoint* newEvents = AllocateOrExit<PlayPoint>(size);
+    std::memcpy(newTicks, ticks, sizeof(int32_t) * count);
+    std::memcpy(newEvents, events, sizeof(PlayPoint) * count);
+    playhead.Rebind(index, count, lengthTicks, newTicks, newEvents);
+    delete[] ticks;
+    delete[] events;
+    ticks = newTicks;
+    events = newEvents;
+    allocated = size;
+}
+
+void Schedule::StagePattern(const PlayPointList& list) {
+    Reserve(list.count);
     // Points at or past the pattern's length (kept after the length was
     // lowered) are left out: they are silent, and a tick the walker never
     // reaches would hold it there and silence the next pass too.
-    const double ticksPerUnit = stepMs * 0.003125;
+    const double ticksPerUnit = stepMs * TickTime::TicksPerUnitPerStepMs;
     int32_t n = 0;
     while (n < list.count && list.items[n].time < list.bound) {
         stagedEvents[n] = list.items[n];
@@ -139,18 +161,8 @@ void Schedule::InsertAt(int32_t i, PlayPoint p, int32_t tick) {
     if (count != capacity)
         return;
     const int32_t grown = capacity + Growth;
-    if (allocated < grown) {
-        int32_t* newTicks = AllocateOrExit<int32_t>(grown);
-        PlayPoint* newEvents = AllocateOrExit<PlayPoint>(grown);
-        std::memcpy(newTicks, ticks, sizeof(int32_t) * count);
-        std::memcpy(newEvents, events, sizeof(PlayPoint) * count);
-        playhead.Rebind(index, capacity, lengthTicks, newTicks, newEvents);
-        delete[] ticks;
-        delete[] events;
-        ticks = newTicks;
-        events = newEvents;
-        allocated = grown;
-    }
+    if (allocated < grown)
+        GrowCurrent(grown);
     capacity = grown;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/Playhead.h"
+#include "engine/TickTime.h"
 #include "song/PlayPoint.h"
 
 #include <cstdint>
@@ -9,35 +10,15 @@ class PlayPointList;
 class SequencerRow;
 class SoundBuffer;
 
-// Tick arithmetic. All in doubles, truncated toward zero to 32 bits.
-namespace TimeUnits {
-// Event tick of a point when a pattern is compiled or the tempo changes.
-inline int32_t CompiledTick(int32_t time, double stepMs) {
-    return static_cast<int32_t>(time * (stepMs * 0.003125));
-}
-// Event tick of a point added or changed while its pattern plays.
-inline int32_t LiveTick(int32_t time, int32_t lengthTicks, int32_t lengthUnits) {
-    return static_cast<int32_t>(static_cast<double>(lengthTicks) / lengthUnits * time);
-}
-// Pattern length in ticks when a pattern is compiled.
-inline int32_t CompiledLength(int32_t lengthUnits, double stepMs) {
-    return static_cast<int32_t>((stepMs * 0.003125) * lengthUnits);
-}
-// Pattern length in ticks at a tempo change: the step is first rounded to
-// whole ticks, so this can come out shorter than the compiled length.
-inline int32_t TempoLength(int32_t lengthUnits, double stepMs) {
-    return static_cast<int32_t>(lengthUnits * 0.015625 * static_cast<int32_t>(stepMs * 0.2));
-}
-} // namespace TimeUnits
-
 // The playing pattern of one instrument, compiled into two parallel arrays of
 // tick numbers and play points, with the walker over them. Every operation
 // runs with the engine lock held, on the GUI thread or in the tick.
 //
-// Arrays are reused: a commit swaps the current and staged arrays, so after
-// the first compiles a pattern switch in the tick allocates nothing unless a
-// pattern is larger than any before. No array is freed or moved while a tick
-// reads it, since both sides hold the engine lock.
+// Arrays are reused: a commit swaps the current and staged arrays. The bank
+// reserves room in both for its largest pattern whenever a pattern is stored
+// or grows, on the GUI thread, so a pattern switch in the tick never
+// allocates. No array is freed or moved while a tick reads it, since both
+// sides hold the engine lock.
 class Schedule {
   public:
     static constexpr int32_t Spare = 20;
@@ -54,6 +35,11 @@ class Schedule {
     void SetClockId(int32_t id) { playhead.id = id; }
     void SetTempo(double newStepMs);
     void SetLineTable(SoundBuffer*** samples, int8_t* counts);
+    // GUI thread, engine lock held: room in both the playing and the staged
+    // arrays for a pattern of this many points.
+    void Reserve(int32_t points);
+    // Compiles the list into the staged arrays; allocates only for a list
+    // larger than the room reserved, so never in the tick.
     void StagePattern(const PlayPointList& list);
     void CommitPattern(uint8_t mode, int32_t position);
     void Stop() { playhead.running = 0; }
@@ -90,6 +76,7 @@ class Schedule {
   private:
     int32_t FindPoint(PlayPoint p, int32_t from) const;
     void InsertAt(int32_t i, PlayPoint p, int32_t tick);
+    void GrowCurrent(int32_t size);
     void RemoveAt(int32_t i);
     void Reserve(int32_t newCount);
     bool HasLineAt(int32_t last, PlayPoint p) const;

@@ -6,6 +6,8 @@
 #include <mutex>
 #include <new>
 
+SoundSystem* theSoundSystem = nullptr;
+
 int32_t SoundSystem::LoadWave(const std::string& path, const std::string& name,
                               SoundBuffer* target) {
     WaveFile wave;
@@ -14,7 +16,9 @@ int32_t SoundSystem::LoadWave(const std::string& path, const std::string& name,
         std::lock_guard<EngineMutex> hold(theEngineLock);
         HandOver(status, wave, path, name, target);
     }
-    // A sample the mixer did not take is freed here, outside the lock.
+    // A sample the mixer did not take is freed here, outside the lock, and
+    // so is what the mixer let go of.
+    CollectRetired();
     return 1;
 }
 

@@ -30,9 +30,18 @@ class SoundSystem {
     void HandOver(WaveStatus status, WaveFile& wave, const std::string& path,
                   const std::string& name, SoundBuffer* target);
 
+    // GUI thread, engine lock not held: frees what the mixer has let go of
+    // since the last call (the samples of deleted buffers, replaced voice
+    // tables). The mixer lets go at its next slice after a buffer is deleted,
+    // so the GUI calls this from its polling timer.
+    void CollectRetired() { mixer.Collect(); }
+
     uint32_t waveDataSize = 0;              // bytes of the "data" chunk last read
     WaveStatus lastStatus = WaveStatus::Ok; // outcome of the last load
 
   private:
     Mixer mixer;
 };
+
+// The program's sound system, set at start-up for the GUI's polling timer.
+extern SoundSystem* theSoundSystem;

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstring>
 #include <fstream>
+#include <istream>
 #include <vector>
 
 namespace {
@@ -25,13 +26,13 @@ uint32_t U32(const unsigned char* p) {
     return p[0] | p[1] << 8 | p[2] << 16 | static_cast<uint32_t>(p[3]) << 24;
 }
 
-bool ReadExact(std::ifstream& in, void* to, std::size_t n) {
+bool ReadExact(std::istream& in, void* to, std::size_t n) {
     in.read(static_cast<char*>(to), static_cast<std::streamsize>(n));
     return in.gcount() == static_cast<std::streamsize>(n);
 }
 
 // Reads the next chunk header. False at the end of the file.
-bool NextChunk(std::ifstream& in, char id[4], uint32_t& size) {
+bool NextChunk(std::istream& in, char id[4], uint32_t& size) {
     unsigned char header[8];
     if (!ReadExact(in, header, 8))
         return false;
@@ -40,8 +41,14 @@ bool NextChunk(std::ifstream& in, char id[4], uint32_t& size) {
     return true;
 }
 
+// Bytes between the read position and the end of the stream.
+int64_t Remaining(std::istream& in, int64_t total) {
+    const std::streamoff at = in.tellg();
+    return at < 0 ? 0 : total - static_cast<int64_t>(at);
+}
+
 // Passes over a chunk's body and its pad byte (chunks start on even offsets).
-void SkipChunk(std::ifstream& in, uint32_t size) {
+void SkipChunk(std::istream& in, uint32_t size) {
     in.seekg(static_cast<std::streamoff>(size) + (size & 1), std::ios::cur);
 }
 
@@ -82,7 +89,7 @@ WaveStatus ParseFormat(const unsigned char* f, uint32_t size, WaveFormat& format
 
 // Reads chunks up to and including "fmt ". Chunks before it are passed over;
 // sample data before the format cannot be read and refuses the file.
-WaveStatus ReadFormat(std::ifstream& in, WaveFormat& format) {
+WaveStatus ReadFormat(std::istream& in, int64_t total, WaveFormat& format) {
     char id[4];
     uint32_t size;
     while (NextChunk(in, id, size)) {
@@ -92,7 +99,7 @@ WaveStatus ReadFormat(std::ifstream& in, WaveFormat& format) {
             SkipChunk(in, size);
             continue;
         }
-        if (size < 16)
+        if (size < 16 || static_cast<int64_t>(size) > Remaining(in, total))
             return WaveStatus::NoFormat;
         unsigned char body[40] = {};
         const uint32_t taken = std::min<uint32_t>(size, sizeof body);
@@ -140,8 +147,11 @@ void Decode(const unsigned char* from, float* to, std::size_t n, const WaveForma
     }
 }
 
-// Reads the "data" chunk's size bytes and decodes its whole frames.
-WaveStatus ReadData(std::ifstream& in, uint32_t size, WaveFile& wave) {
+// Reads the "data" chunk's size bytes and decodes its whole frames. A size
+// larger than what the file holds is refused before anything is allocated.
+WaveStatus ReadData(std::istream& in, uint32_t size, int64_t total, WaveFile& wave) {
+    if (static_cast<int64_t>(size) > Remaining(in, total))
+        return WaveStatus::ShortData;
     const WaveFormat& f = wave.format;
     const uint32_t frames = size / f.blockAlign;
     if (frames > static_cast<uint32_t>(INT32_MAX - SampleData::PadFrames))
@@ -176,26 +186,28 @@ WaveStatus ReadData(std::ifstream& in, uint32_t size, WaveFile& wave) {
 int32_t WaveFile::LengthMs() const {
     const double bitsPerSecond =
         static_cast<double>(format.bitsPerSample) * format.channels * format.rate;
-    return static_cast<int32_t>(static_cast<double>(dataSize) * 8.0 / bitsPerSecond * 1000.0);
+    const double ms = static_cast<double>(dataSize) * 8.0 / bitsPerSecond * 1000.0;
+    // A low rate with much data lasts longer than an int counts milliseconds.
+    return ms < INT32_MAX ? static_cast<int32_t>(ms) : INT32_MAX;
 }
 
-WaveStatus ReadWave(const std::string& path, WaveFile& wave) {
+WaveStatus ReadWave(std::istream& in, WaveFile& wave) {
     wave = WaveFile{};
-    std::ifstream in(path, std::ios::binary);
-    if (!in.is_open())
-        return WaveStatus::Missing;
+    in.seekg(0, std::ios::end);
+    const int64_t total = static_cast<int64_t>(in.tellg());
+    in.seekg(0, std::ios::beg);
     unsigned char riff[12];
-    if (!ReadExact(in, riff, 12) || std::memcmp(riff, "RIFF", 4) != 0 ||
+    if (total < 12 || !ReadExact(in, riff, 12) || std::memcmp(riff, "RIFF", 4) != 0 ||
         std::memcmp(riff + 8, "WAVE", 4) != 0)
         return WaveStatus::NotWave;
-    WaveStatus status = ReadFormat(in, wave.format);
+    WaveStatus status = ReadFormat(in, total, wave.format);
     if (status != WaveStatus::Ok)
         return status;
     char id[4];
     uint32_t size;
     while (NextChunk(in, id, size)) {
         if (std::memcmp(id, "data", 4) == 0) {
-            status = ReadData(in, size, wave);
+            status = ReadData(in, size, total, wave);
             if (status != WaveStatus::Ok)
                 wave.sample.reset();
             return status;
@@ -203,4 +215,13 @@ WaveStatus ReadWave(const std::string& path, WaveFile& wave) {
         SkipChunk(in, size);
     }
     return WaveStatus::NoData;
+}
+
+WaveStatus ReadWave(const std::string& path, WaveFile& wave) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in.is_open()) {
+        wave = WaveFile{};
+        return WaveStatus::Missing;
+    }
+    return ReadWave(in, wave);
 }

@@ -3,6 +3,7 @@
 #include "engine/SampleData.h"
 
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
 #include <string>
 
@@ -33,7 +34,8 @@ struct WaveFile {
     uint32_t dataSize = 0; // bytes in the file's "data" chunk
     std::unique_ptr<SampleData> sample;
 
-    // trunc(dataSize x 8 / (bits x channels x rate) x 1000.0), in doubles.
+    // trunc(dataSize x 8 / (bits x channels x rate) x 1000.0), in doubles,
+    // at most INT32_MAX.
     int32_t LengthMs() const;
     // The average bytes per second: block align x rate, whatever the file says.
     int32_t AverageBytesPerSecond() const { return format.blockAlign * format.rate; }
@@ -43,4 +45,8 @@ struct WaveFile {
 // 8-bit unsigned and 16, 24 and 32-bit signed, 32-bit float, and the
 // extensible format with those sub-formats; one or two channels; any rate.
 // Chunks before "fmt " are passed over, and so are chunks between it and "data".
+// A chunk that claims more bytes than the file holds refuses the file before
+// anything is allocated for it.
 WaveStatus ReadWave(const std::string& path, WaveFile& wave);
+// The same from a stream that can seek (a file, or bytes in memory).
+WaveStatus ReadWave(std::istream& in, WaveFile& wave);

@@ -133,6 +133,7 @@ void PatternBank::DoublePattern() {
         doubled.Insert(p);
     }
     patterns[current].Assign(doubled);
+    schedule->Reserve(doubled.count);
     working.Assign(doubled);
     RebuildLines();
     Refresh();
@@ -140,7 +141,9 @@ void PatternBank::DoublePattern() {
 }
 
 // Compiles straight from the list: the engine lock keeps the other thread's
-// edits out, so no copy is needed and a switch in the tick allocates nothing.
+// edits out, so no copy is needed. Every pattern's points were reserved in
+// the schedule when it was stored or grew, so a switch in the tick allocates
+// nothing.
 void PatternBank::Play(int32_t index, int32_t position, uint8_t mode) {
     if (index < 0 || index >= PatternCount)
         return;
@@ -160,6 +163,7 @@ void PatternBank::SetPattern(int32_t index, const PlayPointList& list) {
     if (index < 0 || index >= PatternCount)
         return;
     patterns[index].Assign(list);
+    schedule->Reserve(list.count);
     if (index == current) {
         working.Assign(list);
         LoadPattern(index);
@@ -172,12 +176,14 @@ PlayPointList PatternBank::GetPattern(int32_t index) const {
 
 void PatternBank::AddPoint(PlayPoint p) {
     working.Insert(p);
+    schedule->Reserve(working.count);
     if (ShownIsPlaying())
         schedule->InsertPoint(p);
 }
 
 void PatternBank::ReplacePoint(PlayPoint p) {
     working.InsertOrReplace(p);
+    schedule->Reserve(working.count);
     if (ShownIsPlaying())
         schedule->ReplacePoint(p);
 }

@@ -77,7 +77,7 @@ int RunApplication(int argc, char** argv) {
     theClockDisplay = new ClockDisplay;
     theEngine->SetClockDisplay(theClockDisplay);
     SoundSystem* sounds = new SoundSystem;
-    view->SetSoundSystem(sounds);
+    theSoundSystem = sounds;
     AudioCallback callback(theEngine, sounds->GetMixer());
     OutputKeeper output(callback);
     if (!output.Open()) {
@@ -114,6 +114,7 @@ int RunApplication(int argc, char** argv) {
     }
     view->DeleteView();
     output.Close();
+    theSoundSystem = nullptr;
     delete sounds;
     delete theEngine;
     theEngine = nullptr;

@@ -77,6 +77,8 @@ void ViewWidget::Poll() {
         UpdateClocks();
     if (frame != nullptr)
         DoFrameAsks();
+    if (theSoundSystem != nullptr)
+        theSoundSystem->CollectRetired(); // samples of closed instruments and deleted lines
 }
 
 // A line named in an ask may have been deleted since; such an ask shows the
@@ -369,8 +371,8 @@ WaveStatus ViewWidget::LoadWaveAsLine(const std::string& path, const std::string
         Guard guard(theEngineLock);
         buffer = view->Current()->NewBufferForNewLine();
     }
-    sounds->LoadWave(path, name, buffer);
-    const WaveStatus status = sounds->lastStatus;
+    theSoundSystem->LoadWave(path, name, buffer);
+    const WaveStatus status = theSoundSystem->lastStatus;
     if (status != WaveStatus::Ok) {
         Guard guard(theEngineLock);
         delete buffer;

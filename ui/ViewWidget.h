@@ -11,7 +11,6 @@
 #include <atomic>
 
 class CMainFrame;
-class SoundSystem;
 class QScrollBar;
 class QTimer;
 
@@ -51,7 +50,6 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     int64_t RecordedPaints() const { return recordedPaints; }
     void SetFrame(CMainFrame* f) { frame = f; }
     // Where Load Waves reads its files; set before the event loop runs.
-    void SetSoundSystem(SoundSystem* s) { sounds = s; }
 
     // ViewHost: engine lock held, any thread.
     void RequestRepaint() override { repaintWanted.store(true, std::memory_order_release); }
@@ -101,7 +99,6 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
 
     MainView* view = nullptr;
     CMainFrame* frame = nullptr;
-    SoundSystem* sounds = nullptr;
     SharedCanvas canvas;
     std::vector<CanvasRecord> replay; // the last paint's records, drawn without the lock
     QScrollBar* hBar;

@@ -56,18 +56,6 @@ TEST(Playhead, BackwardSkipDoesNotRepeatWhatAlreadySounded) {
     EXPECT_EQ(f.fired, (Fired{{100, 0}, {200, 1}, {600, 2}}));
 }
 
-TEST(Playhead, NegativePositionCountsUpThroughZero) {
-    ScheduleFixture f;
-    f.Play({{0, 0}}, 512);
-    f.Run(10);
-    f.schedule.playhead.Skip(-20);
-    f.schedule.playhead.Seek();
-    EXPECT_EQ(f.schedule.playhead.position, -10);
-    f.fired.clear();
-    f.Run(11);
-    EXPECT_EQ(f.fired, (Fired{{20, 0}}));
-}
-
 TEST(Playhead, ThreeSamplesOnALineStartTogether) {
     ScheduleFixture f;
     SoundBuffer* three[3] = {f.slots[0], f.slots[1], f.slots[2]};
@@ -87,18 +75,6 @@ TEST(Playhead, NotReadyLeavesEventsAloneButKeepsTime) {
     f.schedule.playhead.ready = 1;
     f.Run(1000); // the walker still waits on tick 0, reached in the next pass
     EXPECT_EQ(f.fired, (Fired{{800, 0}, {900, 1}}));
-}
-
-TEST(Playhead, SetLengthPastThePositionRestartsAtZero) {
-    ScheduleFixture a, b;
-    a.Play({}, 512);
-    b.Play({}, 512);
-    a.Run(300);
-    b.Run(500);
-    a.schedule.playhead.SetLength(400);
-    b.schedule.playhead.SetLength(400);
-    EXPECT_EQ(a.schedule.playhead.position, 300);
-    EXPECT_EQ(b.schedule.playhead.position, 0);
 }
 
 } // namespace

@@ -7,103 +7,80 @@ namespace {
 using Fired = std::vector<std::pair<int64_t, int>>;
 using Points = std::vector<std::pair<int32_t, int>>;
 
-struct UnitCase {
-    double bpm;
-    int32_t lengthUnits;
-    int32_t time;
-    int32_t compiledTick, compiledLength, tempoLength, liveTick;
+struct FiringCase {
+    const char* name;
+    double stepMs;  // the tempo the pattern is compiled at
+    double retempo; // a tempo set after compiling, 0 for none
+    bool stopped;
+    Points points;
+    int32_t units;
+    int ticks;
+    Fired expected;
 };
 
-class TimeUnitFormulas : public testing::TestWithParam<UnitCase> {};
+class Firing : public testing::TestWithParam<FiringCase> {};
 
-TEST_P(TimeUnitFormulas, TruncateTowardZeroInDoubles) {
-    const UnitCase c = GetParam();
-    const double stepMs = 60000.0 / c.bpm;
-    EXPECT_EQ(TimeUnits::CompiledTick(c.time, stepMs), c.compiledTick);
-    EXPECT_EQ(TimeUnits::CompiledLength(c.lengthUnits, stepMs), c.compiledLength);
-    EXPECT_EQ(TimeUnits::TempoLength(c.lengthUnits, stepMs), c.tempoLength);
-    EXPECT_EQ(TimeUnits::LiveTick(c.time, c.compiledLength, c.lengthUnits), c.liveTick);
-}
-
-INSTANTIATE_TEST_SUITE_P(Tempos, TimeUnitFormulas,
-                         testing::Values(UnitCase{120, 512, 64, 100, 800, 800, 100},
-                                         UnitCase{120, 512, 1, 1, 800, 800, 1},
-                                         UnitCase{130, 1024, 1023, 1475, 1476, 1472, 1474},
-                                         UnitCase{130, 1024, 512, 738, 1476, 1472, 738},
-                                         UnitCase{250, 256, 1, 0, 192, 192, 0},
-                                         UnitCase{250, 256, 3, 2, 192, 192, 2},
-                                         UnitCase{97, 512, 100, 193, 989, 984, 193}));
-
-TEST(Schedule, NewScheduleHasDefaultsAndEmptyLineTable) {
-    Schedule s;
-    EXPECT_EQ(s.stepMs, 500.0);
-    EXPECT_EQ(s.lengthUnits, 1024);
-    EXPECT_EQ(s.lengthTicks, 1600);
-    EXPECT_EQ(s.capacity, 100);
-    EXPECT_EQ(s.count, 0);
-    EXPECT_EQ(s.playhead.running, 0);
-    EXPECT_EQ(s.playhead.ready, 1);
-    for (int line = 0; line < 4; ++line)
-        EXPECT_EQ(s.lineSampleCounts[line], 0);
-}
-
-TEST(Schedule, CommitWithoutStageDoesNothing) {
+TEST_P(Firing, NotesSoundOnTheirTicksEveryPass) {
+    const FiringCase& c = GetParam();
     ScheduleFixture f;
-    f.schedule.CommitPattern(1, 0);
-    EXPECT_EQ(f.schedule.playhead.running, 0);
-    EXPECT_EQ(f.schedule.lengthTicks, 1600);
+    f.schedule.SetTempo(c.stepMs);
+    f.Play(c.points, c.units);
+    if (c.retempo != 0.0)
+        f.schedule.SetTempo(c.retempo);
+    if (c.stopped)
+        f.schedule.Stop();
+    f.Run(c.ticks);
+    EXPECT_EQ(f.fired, c.expected);
+    EXPECT_LT(f.schedule.playhead.position, f.schedule.lengthTicks);
 }
 
-TEST(Schedule, CompileKeepsTwentySpareEntries) {
-    ScheduleFixture f;
-    f.Play({{0, 0}, {64, 1}, {128, 2}}, 512);
-    EXPECT_EQ(f.schedule.count, 3);
-    EXPECT_EQ(f.schedule.capacity, 23);
-    EXPECT_EQ(f.schedule.lengthUnits, 512);
-    EXPECT_EQ(f.schedule.lengthTicks, 800);
-    EXPECT_EQ(f.schedule.staged, 0);
-    EXPECT_EQ(f.schedule.playhead.running, 1);
-}
-
-TEST(Schedule, EventsFireOnTheirTicksEveryPass) {
-    ScheduleFixture f;
-    // 65 units is 101.56 ticks; 64 and 65 land one tick apart.
-    f.Play({{0, 0}, {64, 1}, {65, 2}, {256, 3}}, 512);
-    f.Run(1600);
-    EXPECT_EQ(
-        f.fired,
-        (Fired{{0, 0}, {100, 1}, {101, 2}, {400, 3}, {800, 0}, {900, 1}, {901, 2}, {1200, 3}}));
-}
-
-TEST(Schedule, EventsOnOneTickFireOnceEachInListOrder) {
-    ScheduleFixture f;
-    f.Play({{10, 3}, {10, 1}, {10, 2}}, 512);
-    f.Run(1600);
-    EXPECT_EQ(f.fired, (Fired{{15, 3}, {15, 1}, {15, 2}, {815, 3}, {815, 1}, {815, 2}}));
-}
-
-TEST(Schedule, UnitsOneApartCanShareATick) {
-    ScheduleFixture f;
-    f.schedule.SetTempo(240.0); // 250 BPM: one unit is 0.75 ticks
-    f.Play({{1, 0}, {2, 1}}, 256);
-    f.Run(2);
-    EXPECT_EQ(f.fired, (Fired{{0, 0}, {1, 1}}));
-}
-
-TEST(Schedule, EmptyPatternStillWrapsAndNotifies) {
-    struct Counter : SequencerRow {
-        Counter() : SequencerRow(nullptr, nullptr) {}
-        void OnPatternEnding() override { ++n; }
-        int n = 0;
-    } counter;
-    ScheduleFixture f;
-    f.schedule.AttachSequencer(&counter);
-    f.Play({}, 512);
-    f.Run(1600);
-    EXPECT_TRUE(f.fired.empty());
-    EXPECT_EQ(counter.n, 2);
-    EXPECT_EQ(f.schedule.playhead.position, 0);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Patterns, Firing,
+    testing::Values(
+        // 65 units is 101.56 ticks; 64 and 65 land one tick apart.
+        FiringCase{"everyPass",
+                   500.0,
+                   0.0,
+                   false,
+                   {{0, 0}, {64, 1}, {65, 2}, {256, 3}},
+                   512,
+                   1600,
+                   {{0, 0}, {100, 1}, {101, 2}, {400, 3}, {800, 0}, {900, 1}, {901, 2}, {1200, 3}}},
+        FiringCase{"oneTickInListOrder",
+                   500.0,
+                   0.0,
+                   false,
+                   {{10, 3}, {10, 1}, {10, 2}},
+                   512,
+                   1600,
+                   {{15, 3}, {15, 1}, {15, 2}, {815, 3}, {815, 1}, {815, 2}}},
+        // 250 BPM: one unit is 0.75 ticks.
+        FiringCase{
+            "unitsShareATick", 240.0, 0.0, false, {{1, 0}, {2, 1}}, 256, 2, {{0, 0}, {1, 1}}},
+        FiringCase{"waitsForTheNextPass",
+                   500.0,
+                   0.0,
+                   false,
+                   {{64, 0}, {128, 1}},
+                   512,
+                   910,
+                   {{100, 0}, {200, 1}, {900, 0}}},
+        FiringCase{"stopped", 500.0, 0.0, true, {{0, 0}}, 512, 900, {}},
+        // The tempo's rounded length falls short of the last unit's tick.
+        FiringCase{"tempoNeverStrandsTheLast",
+                   500.0,
+                   60000.0 / 130,
+                   false,
+                   {{0, 0}, {1023, 1}},
+                   1024,
+                   2944,
+                   {{0, 0}, {1471, 1}, {1472, 0}, {2943, 1}}},
+        // Shorter than a tick: the pattern still wraps, once a tick.
+        FiringCase{
+            "oneUnitCompiledFast", 240.0, 0.0, false, {{0, 0}}, 1, 3, {{0, 0}, {1, 0}, {2, 0}}},
+        FiringCase{
+            "oneUnitMadeFast", 500.0, 240.0, false, {{0, 0}}, 1, 3, {{0, 0}, {1, 0}, {2, 0}}}),
+    [](const testing::TestParamInfo<FiringCase>& i) { return std::string(i.param.name); });
 
 // Records the position at each notification and can switch pattern there.
 struct Switcher : SequencerRow {
@@ -132,9 +109,12 @@ TEST(Schedule, NotificationComesOneTickBeforeTheWrap) {
     f.Run(1);
     EXPECT_EQ(s.positions, (std::vector<int32_t>{799}));
     EXPECT_EQ(f.fired, (Fired{{798, 0}}));
+    f.Play({}, 512, 0); // an empty pattern still wraps and tells
+    f.Run(800);
+    EXPECT_EQ(s.positions, (std::vector<int32_t>{799, 799}));
     f.schedule.DetachSequencer();
     f.Run(801);
-    EXPECT_EQ(s.positions.size(), 1u);
+    EXPECT_EQ(s.positions.size(), 2u);
 }
 
 struct SwitchCase {
@@ -188,107 +168,38 @@ TEST(Schedule, LiveInsertAheadSoundsThisPassBehindTheNext) {
     EXPECT_EQ(f.fired, (Fired{{100, 1}, {400, 0}, {800, 2}, {900, 1}, {1200, 0}}));
 }
 
-TEST(Schedule, LiveTickFollowsTheCompiledLengthAfterATempoChange) {
-    ScheduleFixture f;
-    f.Play({}, 1024);
-    f.schedule.SetTempo(60000.0 / 130); // length 1472
-    f.schedule.InsertPoint(ScheduleFixture::Point(512, 0));
-    EXPECT_EQ(f.schedule.ticks[0], 736);
-}
-
-TEST(Schedule, InsertsBeyondTheSpareRoomGrowByForty) {
+TEST(Schedule, InsertsBeyondTheSpareRoomAllSound) {
     ScheduleFixture f;
     f.Play({{0, 0}}, 512);
     f.Run(10);
     for (int32_t t = 1; t <= 20; ++t)
         f.schedule.InsertPoint(ScheduleFixture::Point(t * 20, static_cast<uint8_t>(t % 8)));
     EXPECT_EQ(f.schedule.count, 21);
-    EXPECT_EQ(f.schedule.capacity, 61);
     f.fired.clear();
     f.Run(790);
     EXPECT_EQ(f.fired.size(), 20u);
     EXPECT_EQ(f.fired.front().first, 31); // 20 units is 31.25 ticks
 }
 
-TEST(Schedule, ReplaceKeepsTheTickOrInsertsBehindEqualTimes) {
-    ScheduleFixture f;
-    f.Play({{64, 1}, {64, 2}}, 512);
-    PlayPoint changed = ScheduleFixture::Point(64, 2);
-    changed.volume = -300;
-    f.schedule.ReplacePoint(changed);
-    ASSERT_EQ(f.schedule.count, 2);
-    EXPECT_EQ(f.schedule.events[1].volume, -300);
-    f.schedule.ReplacePoint(ScheduleFixture::Point(64, 3));
-    ASSERT_EQ(f.schedule.count, 3);
-    EXPECT_EQ(f.schedule.events[2].line, 3);
-    EXPECT_EQ(f.schedule.ticks[2], 100);
-}
-
-TEST(Schedule, RemovalsMatchTimeAndLine) {
+// Edits find a point by time and line: a replace keeps its place or goes
+// behind the points of equal time, a removal of a point not there does nothing.
+TEST(Schedule, EditsMatchTimeAndLine) {
+    using P = ScheduleFixture;
     ScheduleFixture f;
     f.Play({{0, 0}, {10, 1}, {10, 2}, {20, 1}, {30, 3}}, 512);
-    f.schedule.RemovePoint(ScheduleFixture::Point(10, 3));
-    EXPECT_EQ(f.schedule.count, 5);
-    f.schedule.RemovePoint(ScheduleFixture::Point(10, 2));
-    EXPECT_EQ(f.schedule.count, 4);
-    const PlayPoint gone[] = {ScheduleFixture::Point(0, 0), ScheduleFixture::Point(20, 1),
-                              ScheduleFixture::Point(25, 1), ScheduleFixture::Point(30, 3)};
-    f.schedule.RemovePoints(gone, 4);
-    ASSERT_EQ(f.schedule.count, 1);
-    EXPECT_EQ(f.schedule.events[0].time, 10);
-    EXPECT_EQ(f.schedule.events[0].line, 1);
-    f.schedule.RemovePoints(gone, 0);
-    EXPECT_EQ(f.schedule.count, 1);
-}
-
-TEST(Schedule, LineRemovedRenumbersLinesAbove) {
-    ScheduleFixture f;
-    f.Play({{0, 0}, {1, 2}, {2, 5}}, 512);
-    f.schedule.LineRemoved(2);
-    EXPECT_EQ(f.schedule.events[0].line, 0);
-    EXPECT_EQ(f.schedule.events[1].line, 2);
-    EXPECT_EQ(f.schedule.events[2].line, 4);
-}
-
-TEST(Schedule, TempoChangeNeverStrandsAnEventPastTheEnd) {
-    ScheduleFixture f;
-    f.Play({{0, 0}, {1023, 1}}, 1024);
-    f.schedule.SetTempo(60000.0 / 130);
-    EXPECT_EQ(f.schedule.lengthTicks, 1472);
-    EXPECT_EQ(f.schedule.playhead.lengthTicks, 1472);
-    f.Run(1472 * 2);
-    EXPECT_EQ(f.fired, (Fired{{0, 0}, {1471, 1}, {1472, 0}, {2943, 1}}));
-}
-
-TEST(Schedule, TempoChangeKeepsTheTickPositionOrResetsPastTheEnd) {
-    ScheduleFixture f;
-    f.Play({}, 512);
-    f.Run(700);
-    f.schedule.SetTempo(250.0); // 240 BPM: 400 ticks
-    EXPECT_EQ(f.schedule.playhead.position, 0);
-    f.Run(100);
-    f.schedule.SetTempo(500.0);
-    EXPECT_EQ(f.schedule.playhead.position, 100);
-    EXPECT_EQ(f.schedule.playhead.stepMs, 500.0);
-}
-
-TEST(Schedule, AfterTheLastEventTheWalkerWaitsForTheNextPass) {
-    ScheduleFixture f;
-    f.Play({{64, 0}, {128, 1}}, 512);
-    f.Run(250);
-    EXPECT_EQ(f.schedule.playhead.index, 0);
-    EXPECT_EQ(f.schedule.playhead.nextTick, 100);
-    f.Run(660);
-    EXPECT_EQ(f.fired, (Fired{{100, 0}, {200, 1}, {900, 0}}));
-}
-
-TEST(Schedule, StopKeepsCountingAndFiresNothing) {
-    ScheduleFixture f;
-    f.Play({{0, 0}}, 512);
-    f.schedule.Stop();
-    f.Run(900);
-    EXPECT_TRUE(f.fired.empty());
-    EXPECT_EQ(f.schedule.playhead.position, 100);
+    PlayPoint changed = P::Point(10, 2);
+    changed.volume = -300;
+    f.schedule.ReplacePoint(changed);
+    f.schedule.ReplacePoint(P::Point(10, 3));
+    f.schedule.RemovePoint(P::Point(10, 4));
+    f.schedule.RemovePoint(P::Point(10, 1));
+    const PlayPoint gone[] = {P::Point(0, 0), P::Point(20, 1), P::Point(25, 1)};
+    f.schedule.RemovePoints(gone, 3);
+    Points left;
+    for (int32_t i = 0; i < f.schedule.count; ++i)
+        left.emplace_back(f.schedule.ticks[i], f.schedule.events[i].line);
+    EXPECT_EQ(left, (Points{{15, 2}, {15, 3}, {46, 3}}));
+    EXPECT_EQ(f.schedule.events[0].volume, -300);
 }
 
 } // namespace

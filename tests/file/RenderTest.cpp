@@ -5,6 +5,7 @@
 
 #include "engine/AudioCallback.h"
 #include "engine/RenderCommand.h"
+#include "engine/RenderOptions.h"
 #include "engine/Schedule.h"
 #include "song/PlayPointList.h"
 #include "song/SamplePath.h"
@@ -239,6 +240,7 @@ INSTANTIATE_TEST_SUITE_P(
     Lines, Command,
     ::testing::Values(
         CommandCase{"help", {"--help"}, 0, "--render OUT.wav", false},
+        CommandCase{"version", {"--version"}, 0, "oxbowlantern 1.0", false},
         CommandCase{"short render",
                     {"--render", "@/out.wav", "--seconds", "0.25", "--rate", "44100", "--bpm",
                      "140", "--level", "1", "--pattern", "2", "#new-inst-1.nst"},
@@ -278,5 +280,24 @@ INSTANTIATE_TEST_SUITE_P(
                     "bound-0.nst: a pattern in it has a length of 0",
                     false}),
     [](const auto& info) { return CaseName(info.param.what); });
+
+// Only these first arguments choose the command line; anything else, Qt's
+// own options included, goes to the windows.
+TEST(CommandLine, IsChosenOnlyByItsOwnOptions) {
+    const std::vector<std::pair<std::vector<const char*>, bool>> cases = {
+        {{"ox", "--render", "o.wav", "a.nst"}, true},
+        {{"ox", "--help"}, true},
+        {{"ox", "--version"}, true},
+        {{"ox"}, false},
+        {{"ox", "a.nst"}, false},
+        {{"ox", "-platform", "offscreen"}, false},
+        {{"ox", "-style", "fusion", "a.nst"}, false},
+        {{"ox", "--pattern", "2"}, false},
+        {{"ox", "a.nst", "--render", "o.wav"}, false},
+    };
+    for (const auto& [args, command] : cases)
+        EXPECT_EQ(IsCommandLine(static_cast<int>(args.size()), args.data()), command)
+            << (args.size() > 1 ? args[1] : "(none)");
+}
 
 } // namespace

@@ -55,7 +55,7 @@ void BarCommandsTest::init() {
     sounds = new SoundSystem;
     view = new ViewWidget;
     view->CreateView();
-    view->SetSoundSystem(sounds);
+    theSoundSystem = sounds;
     frame = new CMainFrame(view, view);
     view->SetFrame(frame);
     frame->show();
@@ -63,6 +63,7 @@ void BarCommandsTest::init() {
 
 void BarCommandsTest::cleanup() {
     delete frame; // and the view with every instrument
+    theSoundSystem = nullptr;
     delete sounds;
     delete clocks;
     delete engine;

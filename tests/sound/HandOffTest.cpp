@@ -1,6 +1,6 @@
-// The GUI thread loads and drops samples while the audio thread plays them:
-// what crosses between the two (samples, voice tables, commands) must never
-// be freed while the mixer can reach it. Meant to run under the sanitizers.
+// What the GUI thread and the audio thread share: samples, voice tables and
+// commands handed over while both run, and the engine lock with its announced
+// ticks. Meant to run under the sanitizers (tools/test.sh runs them with TSan).
 #include "SoundTestKit.h"
 
 #include "engine/AudioCallback.h"
@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -33,12 +34,16 @@ struct Model {
         for (auto& b : m.buffers)
             b->Play(p);
     }
+    static int32_t Silent(void* self) {
+        ++static_cast<Model*>(self)->ticks;
+        return 0;
+    }
 };
 
 TEST(HandOff, GuiLoadsAndDropsSamplesWhileTheAudioThreadPlaysThem) {
     Mixer mixer;
     Model model;
-    AudioCallback callback(Model::Tick, &model, mixer);
+    AudioCallback callback(Model::Tick, Model::Silent, &model, mixer);
     OfflineOutput output(48000, 128);
     output.Start(callback);
 
@@ -62,7 +67,7 @@ TEST(HandOff, GuiLoadsAndDropsSamplesWhileTheAudioThreadPlaysThem) {
             if (i % 3 == 2)
                 model.buffers.erase(model.buffers.begin() + i / 3);
         }
-        mixer.Collect();
+        mixer.Collect(); // outside the lock, as the GUI's timer does
         std::this_thread::yield();
     }
     while (callback.TicksRun() < 200)
@@ -73,6 +78,29 @@ TEST(HandOff, GuiLoadsAndDropsSamplesWhileTheAudioThreadPlaysThem) {
     EXPECT_EQ(model.buffers.size(), 2u * Mixer::TableStep);
     std::lock_guard<EngineMutex> hold(theEngineLock);
     model.buffers.clear();
+}
+
+// A thread that locks the engine lock must let an announced tick go first,
+// even when it finds the lock free: a GUI thread that takes the lock in a
+// tight loop would otherwise keep the tick out for the whole loop.
+TEST(EngineLock, AGuiLockYieldsToAnAnnouncedTick) {
+    using namespace std::chrono_literals;
+    EngineMutex lock;
+    std::atomic<bool> taken{false};
+    lock.AnnounceTick(true);
+    std::thread gui([&] {
+        std::lock_guard<EngineMutex> hold(lock);
+        taken = true;
+    });
+    std::this_thread::sleep_for(20ms);
+    EXPECT_FALSE(taken) << "the GUI thread took the lock from an announced tick";
+    ASSERT_TRUE(lock.try_lock()); // the tick
+    lock.AnnounceTick(false);
+    std::this_thread::sleep_for(5ms);
+    EXPECT_FALSE(taken) << "the GUI thread took the lock from the running tick";
+    lock.unlock();
+    gui.join();
+    EXPECT_TRUE(taken) << "the GUI thread locks once the tick is done";
 }
 
 } // namespace

@@ -261,6 +261,10 @@ template <class Done> bool Eventually(OutputKeeper& keeper, int milliseconds, Do
 void CountTick(void* ticks) {
     static_cast<std::atomic<int64_t>*>(ticks)->fetch_add(1, std::memory_order_relaxed);
 }
+int32_t CountSilentTick(void* ticks) {
+    CountTick(ticks);
+    return 0;
+}
 
 TEST(JackServer, OutputComesBackOnANewServerWithItsRate) {
     auto first = std::make_unique<JackServer>();
@@ -270,7 +274,7 @@ TEST(JackServer, OutputComesBackOnANewServerWithItsRate) {
 
     Mixer mixer;
     std::atomic<int64_t> ticks{0};
-    AudioCallback callback(CountTick, &ticks, mixer);
+    AudioCallback callback(CountTick, CountSilentTick, &ticks, mixer);
     OutputKeeper::Outputs outputs;
     outputs.push_back(std::make_unique<JackOutput>());
     OutputKeeper keeper(callback, std::move(outputs));

@@ -6,34 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 #include <vector>
 
 namespace {
-
-// ---- Tick boundaries ------------------------------------------------------
-
-struct BoundaryCase {
-    int64_t tick;
-    int32_t rate;
-    int64_t frame;
-};
-
-class TickFrame : public ::testing::TestWithParam<BoundaryCase> {};
-
-TEST_P(TickFrame, IsTheFloorOfTickTimesRateOver200) {
-    const BoundaryCase c = GetParam();
-    EXPECT_EQ(AudioCallback::TickFrame(c.tick, c.rate), c.frame);
-}
-
-INSTANTIATE_TEST_SUITE_P(Grid, TickFrame,
-                         ::testing::Values(BoundaryCase{1, 48000, 240}, BoundaryCase{1, 44100, 220},
-                                           BoundaryCase{2, 44100, 441}, BoundaryCase{3, 44100, 661},
-                                           BoundaryCase{1, 96000, 480},
-                                           // a day of ticks at 44.1 kHz does not drift
-                                           BoundaryCase{17280000, 44100, 3810240000},
-                                           BoundaryCase{17280001, 44100, 3810240220}));
 
 // ---- Every note on its tick's frame, whatever the period ------------------
 
@@ -67,11 +45,6 @@ TEST_P(ExactOnsets, EveryNoteStartsOnItsTicksFrame) {
             expected.emplace_back(AudioCallback::TickFrame(k, c.rate), h);
     ASSERT_GE(expected.size(), 2 * notes.size() - 2) << "every note, twice over";
     EXPECT_EQ(Onsets(out.data(), static_cast<int64_t>(out.size() / 2)), expected);
-    uint64_t boundaries = 0; // ticks whose first frame has been rendered
-    while (AudioCallback::TickFrame(boundaries, c.rate) <
-           static_cast<int64_t>(callback.FramesRendered()))
-        ++boundaries;
-    EXPECT_EQ(callback.TicksRun(), boundaries);
     EXPECT_EQ(callback.LateTicks(), 0u);
 }
 
@@ -89,29 +62,30 @@ INSTANTIATE_TEST_SUITE_P(RatesAndPeriods, ExactOnsets, ::testing::ValuesIn(Onset
                                     std::to_string(info.param.period);
                          });
 
-// ---- A tick that finds the engine lock taken ------------------------------
+// ---- Ticks that find the engine lock taken ---------------------------------
 
-// Counts the ticks and plays a click on voice 0 at tick 0.
-struct TickProbe {
-    MixerCommandQueue* queue;
-    int64_t ticks = 0;
-    static void Run(void* self) {
-        TickProbe& p = *static_cast<TickProbe*>(self);
-        if (p.ticks++ == 0)
-            p.queue->Push(MixerCommand{MixerCommand::Play, 0, 0, nullptr});
-    }
+struct CatchUpCase {
+    int32_t heldTicks; // boundaries that pass while the GUI thread holds the lock
+    int32_t dropped;   // notes of the ticks older than MaxLateTicks
 };
 
-TEST(LateTick, RunsAtTheNextBoundaryAndIsCounted) {
-    Mixer mixer;
-    SampleData* click = new SampleData(1, 1, 48000, 2);
-    click->samples[0] = 1.0f;
-    ASSERT_EQ(mixer.Attach(click), 0);
-    TickProbe probe{mixer.Commands()};
-    AudioCallback callback(TickProbe::Run, &probe, mixer);
-    OfflineOutput output(48000, 240);
-    output.Start(callback);
+class CatchUp : public ::testing::TestWithParam<CatchUpCase> {};
 
+// One note a tick, on lines 0 to 3 in turn. While the lock is held nothing
+// sounds; at the release, the last few missed ticks play their notes late,
+// together on the release tick's frame, and older ones are dropped.
+TEST_P(CatchUp, LateTicksPlayLateOlderOnesAreDroppedWithoutABurst) {
+    const CatchUpCase c = GetParam();
+    Mixer mixer;
+    std::vector<PlayPoint> notes;
+    for (int32_t u = 0; u < 64; ++u)
+        notes.push_back(ClickKit::Note(u, u % ClickKit::Lines));
+    ClickKit kit(mixer, 48000, notes, 64);
+    kit.schedule.SetTempo(320.0); // one unit a tick
+    AudioCallback callback(&kit.engine, mixer);
+    OfflineOutput output(48000, 240); // one tick a period
+    output.Start(callback);
+    output.PullPeriod(); // tick 0 on time
     std::atomic<bool> held{false}, release{false};
     std::thread gui([&] {
         std::lock_guard<EngineMutex> hold(theEngineLock);
@@ -121,16 +95,29 @@ TEST(LateTick, RunsAtTheNextBoundaryAndIsCounted) {
     });
     while (!held)
         std::this_thread::yield();
-    const float* first = output.PullPeriod(); // tick 0 cannot run
-    EXPECT_EQ(first[0], 0.0f);
-    EXPECT_EQ(probe.ticks, 0);
+    for (int32_t i = 0; i < c.heldTicks; ++i)
+        EXPECT_TRUE(Onsets(output.PullPeriod(), 240).empty()) << "missed tick " << i + 1;
     release = true;
     gui.join();
-    const float* second = output.PullPeriod(); // ticks 0 and 1 run, the note one tick late
-    EXPECT_EQ(second[0], 1.0f);
-    EXPECT_EQ(probe.ticks, 2);
-    EXPECT_EQ(callback.TicksRun(), 2u);
-    EXPECT_EQ(callback.LateTicks(), 1u);
+    // Ticks 1 to heldTicks + 1 run now; the newest three of them sound.
+    const int32_t released = c.heldTicks + 1;
+    float heard = 0.0f;
+    for (int32_t k = std::max(1, released - AudioCallback::MaxLateTicks); k <= released; ++k)
+        heard += ClickKit::Height(k % ClickKit::Lines);
+    const std::vector<std::pair<int64_t, float>> onsets = Onsets(output.PullPeriod(), 240);
+    ASSERT_EQ(onsets.size(), 1u);
+    EXPECT_EQ(onsets[0].first, 0);
+    EXPECT_FLOAT_EQ(onsets[0].second, heard);
+    EXPECT_EQ(callback.LateTicks(), static_cast<uint64_t>(c.heldTicks));
+    EXPECT_EQ(callback.DroppedNotes(), static_cast<uint64_t>(c.dropped));
+    // The playhead stands where the clock is: the next tick plays its own note.
+    const std::vector<std::pair<int64_t, float>> next = Onsets(output.PullPeriod(), 240);
+    ASSERT_EQ(next.size(), 1u);
+    EXPECT_FLOAT_EQ(next[0].second, ClickKit::Height((released + 1) % ClickKit::Lines));
 }
+
+INSTANTIATE_TEST_SUITE_P(Holds, CatchUp,
+                         ::testing::Values(CatchUpCase{1, 0}, CatchUpCase{2, 0}, CatchUpCase{3, 1},
+                                           CatchUpCase{20, 18}));
 
 } // namespace

@@ -60,7 +60,8 @@ TEST(OutputKeeper, OpensTheFirstThatWorksOrSaysWhyNone) {
     ASSERT_TRUE(second.keeper->Open());
     EXPECT_EQ(second.keeper->Current(), second.pulse);
     EXPECT_EQ(second.keeper->StatusText(),
-              "Sound: PulseAudio, 44100 Hz, 441 frames (10.0 ms)    Late ticks: 0");
+              "Sound: PulseAudio, 44100 Hz, 441 frames (10.0 ms)    Late ticks: 0    "
+              "Dropped notes: 0");
 }
 
 TEST(OutputKeeper, ALostOutputIsRetriedEverySecondFromTheFirst) {
@@ -78,7 +79,7 @@ TEST(OutputKeeper, ALostOutputIsRetriedEverySecondFromTheFirst) {
     EXPECT_EQ(f.pulse->starts, 2);
     EXPECT_EQ(f.keeper->StatusText(), "No sound: the JACK output went away. Trying JACK, "
                                       "PulseAudio and ALSA again every second (2 tries)    "
-                                      "Late ticks: 0");
+                                      "Late ticks: 0    Dropped notes: 0");
 
     f.jack->works = true;
     EXPECT_TRUE(f.keeper->Check());
