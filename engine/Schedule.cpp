@@ -234,22 +234,12 @@ bool Schedule::HasLineAt(int32_t last, PlayPoint p) const {
 }
 
 // Grows the arrays as InsertAt would have grown them for newCount entries.
-void Schedule::Reserve(int32_t newCount) {
+void Schedule::GrowFor(int32_t newCount) {
     int32_t grown = capacity;
     while (grown <= newCount)
         grown += Growth;
-    if (allocated < grown) {
-        int32_t* newTicks = AllocateOrExit<int32_t>(grown);
-        PlayPoint* newEvents = AllocateOrExit<PlayPoint>(grown);
-        std::memcpy(newTicks, ticks, sizeof(int32_t) * count);
-        std::memcpy(newEvents, events, sizeof(PlayPoint) * count);
-        playhead.Rebind(0, count, lengthTicks, newTicks, newEvents);
-        delete[] ticks;
-        delete[] events;
-        ticks = newTicks;
-        events = newEvents;
-        allocated = grown;
-    }
+    if (allocated < grown)
+        GrowCurrent(grown);
     capacity = grown;
 }
 
@@ -269,7 +259,7 @@ void Schedule::InsertPoints(const PlayPoint* sorted, int32_t n, bool replace) {
             }
         }
     if (added > 0) {
-        Reserve(count + added);
+        GrowFor(count + added);
         int32_t from = count - 1;
         int32_t to = count + added - 1;
         for (int32_t k = n - 1; k >= 0; --k) {

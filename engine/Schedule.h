@@ -78,7 +78,7 @@ class Schedule {
     void InsertAt(int32_t i, PlayPoint p, int32_t tick);
     void GrowCurrent(int32_t size);
     void RemoveAt(int32_t i);
-    void Reserve(int32_t newCount);
+    void GrowFor(int32_t newCount);
     bool HasLineAt(int32_t last, PlayPoint p) const;
     void EndEdit();
 
