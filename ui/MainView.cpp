@@ -148,12 +148,16 @@ void MainView::SetLineWindow(int32_t measures, int32_t first) {
 }
 
 // Zooms 1 and 2 share one remembered position. When a line has the key focus
-// the window follows its selection; lines take the focus by mouse, so until
-// then the remembered position holds.
+// the window goes to where its selection starts, and that is remembered.
 void MainView::SelectZoom12(int32_t mode, int32_t width) {
     zoomMode = mode;
     hScrollBar.SetPage(width);
-    hScrollBar.SetPosition(zoom12Position);
+    if (const Line* line = FocusedLine()) {
+        hScrollBar.SetPosition(line->SelectionMeasure());
+        zoom12Position = hScrollBar.position;
+    } else {
+        hScrollBar.SetPosition(zoom12Position);
+    }
     SetLineWindow(std::min(width, PatternMeasures()), hScrollBar.position);
     host->ScrollBarsChanged();
     Repaint();
