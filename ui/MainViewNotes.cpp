@@ -9,7 +9,8 @@
 #include <algorithm>
 
 // The first line to get a selection takes the key focus; while it keeps it,
-// its own later selections only scroll the window to where they start.
+// its own later selections only scroll the window to where they start. Also
+// in the tick, when a key command nudges or deletes a selection.
 void MainView::LineSelectionChanged(Line* line) {
     if (line == nullptr) {
         DropFocus();

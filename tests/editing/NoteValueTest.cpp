@@ -112,6 +112,8 @@ TEST(LiveEdits, ReachThePlayingPassAtOnce) {
     f.line->OnLButtonDown(1, F::X(256), F::Y); // a new note at 256, ahead
     f.line->OnLButtonDown(5, F::X(384), F::Y); // the note at 384 erased
     f.line->OnLButtonDown(1, F::X(32), F::Y);  // behind: only the next pass
+    f.line->SetWindow(8, 0);
+    f.line->OnLButtonDown(1, F::X(600), F::Y); // past the pattern's end: nowhere
     f.song.Ticks(699);
     std::vector<int64_t> heard;
     for (const auto& [tick, voice] : f.song.plays)
