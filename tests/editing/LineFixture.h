@@ -3,6 +3,8 @@
 #include "editing/Line.h"
 #include "song/SongFixture.h"
 
+#include <sstream>
+#include <string>
 #include <vector>
 
 // One line of an instrument, placed so that its time axis is 1024 pixels
@@ -41,6 +43,44 @@ struct LineFixture {
         for (int32_t i = 0; i < bank->working.count; ++i)
             out.push_back(bank->working.items[i].time);
         return out;
+    }
+    // Gestures on the row, each "<op><pixel>[/<flags>]" with the pixel
+    // counted from the axis start: L left press (flags 1; the view drops the
+    // highlight first, as at every left press), l left release (0), R right
+    // press (2), r right release, D right double click (2), Q a press with
+    // the grid of the flags' division; and X DeleteSelection, N Nudge by
+    // the number.
+    void Run(const std::string& script) {
+        std::istringstream in(script);
+        std::string word;
+        while (in >> word) {
+            const char op = word[0];
+            const size_t slash = word.find('/');
+            const int32_t n = word.size() > 1 ? std::stoi(word.substr(1, slash - 1)) : 0;
+            const int32_t given =
+                slash == std::string::npos ? -1 : std::stoi(word.substr(slash + 1));
+            const auto flags = [given](uint32_t plain) {
+                return given < 0 ? plain : static_cast<uint32_t>(given);
+            };
+            if (op == 'L') {
+                line->Unhighlight();
+                line->OnLButtonDown(flags(1), X(n), Y);
+            } else if (op == 'l') {
+                line->OnLButtonUp(flags(0), X(n), Y);
+            } else if (op == 'R') {
+                line->OnRButtonDown(flags(2), X(n), Y);
+            } else if (op == 'r') {
+                line->OnRButtonUp(0, X(n), Y);
+            } else if (op == 'D') {
+                line->OnRButtonDblClk(flags(2), X(n), Y);
+            } else if (op == 'Q') {
+                line->DropWithDivision(given, X(n), Y);
+            } else if (op == 'X') {
+                line->DeleteSelection();
+            } else if (op == 'N') {
+                line->Nudge(n);
+            }
+        }
     }
     void Select(int32_t first, int32_t last) {
         line->selectionFirst = first;

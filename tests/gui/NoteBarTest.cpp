@@ -95,15 +95,6 @@ void NoteBarTest::noteControl() {
                  slider.section('=', 1).toInt());
 }
 
-void NoteBarTest::noTargetLeavesTheFields() {
-    commands->longestMs = -1;
-    frame->ShowNoteBar(nullptr, false);
-    const QString before = frame->noteBar->volumeField->text();
-    Act(frame->noteBar, "down:volumeSpin");
-    QCOMPARE(frame->noteBar->volumeField->text(), before);
-    QCOMPARE(frame->noteBar->volumeSlider->value(), 0);
-}
-
 void NoteBarTest::filterSpin_data() {
     QTest::addColumn<QString>("shown");
     QTest::addColumn<QString>("arrow");

@@ -16,7 +16,6 @@ class NoteBarTest : public QObject {
 
     void noteControl_data();
     void noteControl();
-    void noTargetLeavesTheFields();
     void filterSpin_data();
     void filterSpin();
 
