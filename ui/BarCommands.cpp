@@ -31,9 +31,11 @@ void CMainFrame::ConnectTimersBar() {
                                                      {timersBar->skipTickSpin, 3},
                                                      {timersBar->skipEighthSpin, 4},
                                                      {timersBar->skipHalfSpin, 5}};
-    for (const auto& [spin, mode] : spins)
-        connect(spin, &SpinArrows::Spun, this,
+    for (const auto& entry : spins) {
+        const int32_t mode = entry.second;
+        connect(entry.first, &SpinArrows::Spun, this,
                 [this, mode](int delta) { OnTempoControl(mode, Direction(delta)); });
+    }
 }
 
 // A click on the slider's groove pages the handle without a drag, so it ends

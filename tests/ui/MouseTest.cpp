@@ -14,9 +14,9 @@ int SlotY(int slot) {
     return 120 + 32 * slot + 16;
 }
 
-// A row that records what reaches it, put into a screen slot after a paint.
-struct ProbeRow : Row {
-    ProbeRow() : Row(LineRow) {}
+// A line that records what reaches it, put into a screen slot after a paint.
+struct ProbeRow : Line {
+    ProbeRow() : Line(nullptr, 0, 4) {}
     void OnLButtonDown(uint32_t f, int32_t x, int32_t) override { Log('L', f, x); }
     void OnLButtonUp(uint32_t f, int32_t x, int32_t) override { Log('l', f, x); }
     void OnLButtonDblClk(uint32_t f, int32_t x, int32_t) override { Log('D', f, x); }
