@@ -66,6 +66,9 @@ void MainView::AddInstrument(Instrument* instrument) {
 void MainView::CloseInstrument() {
     if (instruments.size() < 2)
         return;
+    // A line of the instrument must not stay the keys' target.
+    if (FocusedLine() != nullptr)
+        DropFocus();
     Instrument* gone = Current();
     if (viewMode == LineDetail)
         UnplaceListRows();
@@ -471,7 +474,8 @@ void MainView::DropFocus() {
 }
 
 Line* MainView::FocusedLine() const {
-    if (focusSlot == -1 || focusKind != -1 || focusSlot >= static_cast<int32_t>(slots.size()))
+    if (focusSlot == -1 || focusKind != -1 || focusSlot >= static_cast<int32_t>(slots.size()) ||
+        slots[focusSlot].visible == 0)
         return nullptr;
     Row* row = slots[focusSlot].row;
     return row != nullptr && row->type == Row::LineRow ? static_cast<Line*>(row) : nullptr;

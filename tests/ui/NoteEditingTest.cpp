@@ -69,6 +69,19 @@ TEST(NoteEditing, SelectionTakesTheKeyFocusAndShowsTheNoteBar) {
     EXPECT_EQ(f.LineAt(0)->rememberedFirst, 128);
 }
 
+TEST(NoteEditing, ClosingTheInstrumentDropsItsLinesFocus) {
+    NoteView f;
+    f.view.NewInstrument();
+    f.view.SelectInstrument(0);
+    f.view.RebuildRowList();
+    f.Paint();
+    f.RightClick(0, 128);
+    ASSERT_EQ(f.song.engine.highlightMode, 1);
+    f.view.CloseInstrument();
+    EXPECT_EQ(f.song.engine.highlightMode, 0);
+    f.Keys("+205 -205"); // nothing left to nudge
+}
+
 TEST(NoteEditing, DragByTheViewMovesTheSelection) {
     NoteView f;
     f.RightClick(0, 128);
