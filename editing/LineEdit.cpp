@@ -110,7 +110,10 @@ void Line::ErasePoint(int32_t time) {
     Repaint();
 }
 
+// The scratch array takes room for every point of the line here, where a
+// selection begins by the mouse, so that the key commands on it need none.
 void Line::Highlight() {
+    work.reserve(static_cast<size_t>(points->count));
     bank->LineSelected(this);
     pointsHighlighted = 1;
 }

@@ -4,6 +4,7 @@
 // held; OnSelectionKey runs in the tick.
 #include "editing/Line.h"
 #include "engine/Engine.h"
+#include "song/PlayPointList.h"
 #include "ui/MainView.h"
 
 #include <algorithm>
@@ -28,6 +29,9 @@ void MainView::LineSelectionChanged(Line* line) {
     }
     if (focusKind == -2)
         DropFocus();
+    // Room for a copy of the whole line, so that Control C in the tick needs
+    // none.
+    clipboardNotes.reserve(static_cast<size_t>(line->points->count));
     for (size_t s = 0; s < slots.size(); ++s)
         if (slots[s].visible && slots[s].row == line) {
             focusSlot = static_cast<int32_t>(s);
