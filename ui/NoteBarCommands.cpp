@@ -62,7 +62,9 @@ void CMainFrame::ConnectNoteBar() {
                                                     {noteBar->toeInSlider, FieldToeIn},
                                                     {noteBar->lengthSlider, FieldLength},
                                                     {noteBar->panSlider, FieldPan}};
-    for (const auto& [slider, code] : sliders) {
+    for (const auto& entry : sliders) {
+        QSlider* slider = entry.first;
+        const int32_t code = entry.second;
         connect(slider, &QSlider::sliderReleased, this,
                 [this, slider, code] { OnNoteSlider(code, slider->value()); });
         connect(slider, &QSlider::actionTriggered, this, [this, slider, code](int action) {
@@ -75,9 +77,11 @@ void CMainFrame::ConnectNoteBar() {
     const std::pair<SpinArrows*, int32_t> spins[] = {{noteBar->volumeSpin, FieldVolume},
                                                      {noteBar->toeInSpin, FieldToeIn},
                                                      {noteBar->lengthSpin, FieldLength}};
-    for (const auto& [spin, code] : spins)
-        connect(spin, &SpinArrows::Spun, this,
+    for (const auto& entry : spins) {
+        const int32_t code = entry.second;
+        connect(entry.first, &SpinArrows::Spun, this,
                 [this, code](int delta) { OnNoteSpin(code, delta); });
+    }
     connect(noteBar->zeroButton, &QPushButton::clicked, this, &CMainFrame::OnZeroPan);
 }
 
