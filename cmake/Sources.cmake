@@ -16,6 +16,7 @@ set(CORE_SOURCES
     engine/OutputKeeper.cpp
     engine/ClockDisplay.cpp
     engine/SequencerRow.cpp
+    engine/SequencerRowPaint.cpp
     song/PatternBank.cpp
     song/SampleRegistry.cpp
     song/Instrument.cpp
