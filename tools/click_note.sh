@@ -3,9 +3,10 @@
 # virtual display with its own JACK server on the dummy driver, the demo's
 # first pattern is started by keys (Grave, Enter), and one click on the
 # cowbell line, which is silent in that pattern, drops a note at the time
-# under the pointer after that time has passed in the first pass. The JACK
-# capture must then be the render of the pattern without the note for the
-# first pass and the render with it for the second, frame for frame.
+# under the pointer after that time has passed in the first pass. Around the
+# note's place the JACK capture must then be the render of the pattern
+# without the note in the first pass and the render with it in the second,
+# frame for frame.
 # Usage: click_note.sh PROGRAM CLICK_NOTE
 set -eu
 program=$1
@@ -18,6 +19,7 @@ line=7      # the cowbell, the demo's last line
 time=96     # a step and a half into the pattern, 0.75 s at 120 BPM
 shown=512   # zoom 1 shows the pattern's two measures
 pass=4      # seconds of a two-measure pass at 120 BPM
+at=0.75     # seconds of the note's time into the pass
 
 jackd -n "$server" -d dummy -r 48000 -p 256 >"$work/jackd.log" 2>&1 &
 jack=$!
@@ -55,7 +57,7 @@ xvfb-run -a -s "-screen 0 1280x800x24" sh -c '
 "$helper" add resources/demo.nst "$work/with-note.nst" "$line" "$time"
 "$program" --render "$work/before.wav" --seconds 9 resources/demo.nst >/dev/null
 "$program" --render "$work/after.wav" --seconds 9 "$work/with-note.nst" >/dev/null
-if ! "$helper" check "$work/capture.wav" "$work/before.wav" "$work/after.wav" "$pass"; then
+if ! "$helper" check "$work/capture.wav" "$work/before.wav" "$work/after.wav" "$pass" "$at"; then
     echo "the capture does not hold the clicked note where it belongs; program log:"
     cat "$work/program.log"
     exit 1
