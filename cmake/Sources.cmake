@@ -24,6 +24,7 @@ set(CORE_SOURCES
     ui/MainView.cpp
     ui/MainViewMouse.cpp
     ui/MainViewPanels.cpp
+    ui/MainViewNotes.cpp
     ui/RowList.cpp
     ui/KeyMap.cpp
     ui/ScanCodes.cpp
@@ -31,6 +32,8 @@ set(CORE_SOURCES
     editing/LinePaint.cpp
     editing/SamplePanel.cpp
     editing/VolumePanel.cpp
+    editing/LineGestures.cpp
+    editing/LineEdit.cpp
     song/PatternRow.cpp
     song/FileArchive.cpp
     song/DiskFile.cpp

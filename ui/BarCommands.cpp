@@ -142,6 +142,7 @@ void CMainFrame::OnFractionsCheck() {
 void CMainFrame::ConnectLineBar() {
     connect(lineBar->deleteButton, &QPushButton::clicked, this, &CMainFrame::OnDeleteLines);
     connect(lineBar->controlGroupSpin, &SpinArrows::Spun, this, &CMainFrame::OnControlGroupSpin);
+    connect(lineBar->filterSpin, &SpinArrows::Spun, this, &CMainFrame::OnFilterSpin);
 }
 
 // The filter field becomes the focus widget but keeps its NoFocus policy, so

@@ -55,6 +55,7 @@ CMainFrame::CMainFrame(QWidget* mainView, FrameCommands* frameCommands)
     ConnectLineBar();
     ConnectInstrumentBar();
     ConnectPatternBar();
+    ConnectNoteBar();
     setAcceptDrops(true);
 }
 

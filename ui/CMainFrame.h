@@ -119,6 +119,13 @@ class CMainFrame : public QMainWindow {
     void OnFractionsCheck();
     void OnDeleteLines();
     void OnControlGroupSpin(int spinDelta);
+    // ui/NoteBarCommands.cpp: the line bar's filter spin and the note bar.
+    void OnFilterSpin(int spinDelta);
+    void ConnectNoteBar();
+    void OnNoteSlider(int32_t code, int32_t position);
+    void OnNoteSpin(int32_t code, int spinDelta);
+    void OnZeroPan();
+    void ShowNoteTexts(int32_t code, int16_t value, int32_t longestMs);
     void BringUp(BottomBar* bar, BarState state);
     void RepaintFrame();
     void ShowAbout();

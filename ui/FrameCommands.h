@@ -105,6 +105,14 @@ class FrameCommands {
     virtual void StepControlGroup(int32_t direction) = 0;
     // The control group of the first highlighted line, -2 with none.
     virtual int32_t ControlGroup() = 0;
+    // The filter of the highlighted lines: 1 to 8, or -1 for 64.
+    virtual void SetFilter(int32_t value) = 0;
+
+    // The note bar: one field of a note (code as PlayPointField) on the
+    // target line's selection, or on its default note while no line has the
+    // key focus. Returns the target line's longest sample in ms, -1 with no
+    // target line.
+    virtual int32_t SetNoteValue(int32_t code, int16_t value) = 0;
 
     // Reads the wave file at path into a new line of the current instrument
     // named name. Takes the engine lock only around the model's steps, not

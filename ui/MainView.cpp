@@ -67,6 +67,9 @@ void MainView::AddInstrument(Instrument* instrument) {
 void MainView::CloseInstrument() {
     if (instruments.size() < 2)
         return;
+    // A line of the instrument must not stay the keys' target.
+    if (FocusedLine() != nullptr)
+        DropFocus();
     Instrument* gone = Current();
     if (viewMode == LineDetail)
         UnplaceListRows();
@@ -150,12 +153,16 @@ void MainView::SetLineWindow(int32_t measures, int32_t first) {
 }
 
 // Zooms 1 and 2 share one remembered position. When a line has the key focus
-// the window follows its selection; lines take the focus by mouse, so until
-// then the remembered position holds.
+// the window goes to where its selection starts, and that is remembered.
 void MainView::SelectZoom12(int32_t mode, int32_t width) {
     zoomMode = mode;
     hScrollBar.SetPage(width);
-    hScrollBar.SetPosition(zoom12Position);
+    if (const Line* line = FocusedLine()) {
+        hScrollBar.SetPosition(line->SelectionMeasure());
+        zoom12Position = hScrollBar.position;
+    } else {
+        hScrollBar.SetPosition(zoom12Position);
+    }
     SetLineWindow(std::min(width, PatternMeasures()), hScrollBar.position);
     host->ScrollBarsChanged();
     Repaint();
@@ -459,11 +466,21 @@ void MainView::DeleteHighlighted() {
 }
 
 void MainView::DropFocus() {
-    // A focused line loses its selection here once lines have selections.
+    if (Line* line = FocusedLine())
+        line->Unhighlight();
     theEngine->ClearHighlights();
     host->AskFrame(FrameAsk::EmptyBar);
     focusSlot = -1;
     focusKind = -1;
+    fillKeyState = 0;
+}
+
+Line* MainView::FocusedLine() const {
+    if (focusSlot == -1 || focusKind != -1 || focusSlot >= static_cast<int32_t>(slots.size()) ||
+        slots[focusSlot].visible == 0)
+        return nullptr;
+    Row* row = slots[focusSlot].row;
+    return row != nullptr && row->type == Row::LineRow ? static_cast<Line*>(row) : nullptr;
 }
 
 void MainView::FocusSequencer(SequencerRow* sequencer) {

@@ -3,6 +3,7 @@
 #include "editing/SamplePanel.h"
 #include "editing/VolumePanel.h"
 #include "song/InstrumentView.h"
+#include "song/PlayPoint.h"
 #include "ui/Canvas.h"
 #include "ui/RowList.h"
 #include "ui/ScrollBar.h"
@@ -70,9 +71,9 @@ class MainView : public InstrumentView, public PanelView {
     void RebuildRowList();
     void RefreshInstrument() override;
     void PatternLengthChanged() override;
-    // Selections on lines come with note editing; until then no line takes
-    // the key focus.
-    void LineSelectionChanged(Line*) override {}
+    // A line got a selection (it takes the key focus and shows it on the
+    // note bar) or lost it (null: the focus is dropped).
+    void LineSelectionChanged(Line* line) override;
     void FocusSequencer(SequencerRow* sequencer) override;
     void AddFocusSequencer(SequencerRow* sequencer) override;
     void DropFocus();
@@ -119,6 +120,20 @@ class MainView : public InstrumentView, public PanelView {
     void AskFrame(FrameAsk ask, Line* line = nullptr) { host->AskFrame(ask, line); }
     void ToggleMute() { rowList.ToggleMute(); }
     void DeleteHighlighted();
+    std::string FilterText() const { return rowList.FilterText(); }
+    void SetFilter(int32_t value) { rowList.SetFilter(value); }
+    // The line a note bar control acts on: yields it once per run, which
+    // restart begins. Returns 1 with outLine set, else 0.
+    int32_t NextNoteTarget(Line*& outLine, bool restart);
+    // A note bar control: the value goes to the target line's selection, or
+    // to its default note while no line has the key focus. Returns the
+    // target, null with none.
+    Line* SetNoteValue(int32_t code, int16_t value);
+    // Audio thread (keys C, X with control, numpad asterisk and period): the
+    // two-key fills and the note clipboard of the focused line.
+    void OnSelectionKey(uint32_t scanCode);
+    // The focused line, null unless a line has the key focus.
+    Line* FocusedLine() const;
     void StepControlGroup(int32_t direction) { rowList.StepControlGroup(direction); }
     int32_t ControlGroup() const { return rowList.ControlGroup(); }
     // Whether line is a row of the current instrument; a line named in a
@@ -146,6 +161,11 @@ class MainView : public InstrumentView, public PanelView {
     uint8_t viewMode = LineDetail;
     uint8_t pasteMode = 0;
     uint8_t dropFilterKey = 0;
+    uint8_t fillKeyState = 0;
+    // The note clipboard: times from the start of the first note's measure,
+    // line 0. Its array only grows, so a copy in the tick rarely allocates.
+    int32_t clipboardCount = 0;
+    std::vector<PlayPoint> clipboardNotes;
     int32_t focusKind = -1;
     int32_t focusSlot = -1;
     int32_t zoom3Position = 0;
@@ -199,4 +219,6 @@ class MainView : public InstrumentView, public PanelView {
     Line* NameColumnLine(int32_t x, int32_t y) const;
 
     ViewHost* host;
+    // NextNoteTarget's countdown.
+    int32_t noteTargetCount = 0;
 };

@@ -118,9 +118,8 @@ void MainView::ClickNameColumn(uint32_t flags, int32_t y) {
     Repaint(); // the new highlight reaches the screen with the bar
 }
 
-// A line takes a held numpad digit (placement on that grid) and the paste
-// keys before a plain press; both come with the line's note editing, and
-// until then a press with either held does nothing.
+// A held numpad digit goes before a held paste key, and a paste key with an
+// empty clipboard makes the press do nothing at all.
 void MainView::ClickRowColumn(uint32_t flags, int32_t x, int32_t y) {
     Row* row = RowColumnHit(x, y, true);
     if (row == nullptr)
@@ -129,9 +128,13 @@ void MainView::ClickRowColumn(uint32_t flags, int32_t x, int32_t y) {
         row->OnLButtonDown(flags, x, y);
         return;
     }
-    if (dropFilterKey != 0 || pasteMode != 0)
-        return;
-    row->OnLButtonDown(flags, x, y);
+    Line* line = static_cast<Line*>(row);
+    if (dropFilterKey != 0)
+        line->DropWithDivision(dropFilterKey, x, y);
+    else if (pasteMode != 0 && clipboardCount > 0)
+        line->PasteAt(pasteMode == 1 ? 1 : 0, clipboardNotes.data(), clipboardCount, x, y);
+    else if (pasteMode == 0)
+        line->OnLButtonDown(flags, x, y);
 }
 
 void MainView::OnLButtonUp(uint32_t flags, int32_t x, int32_t y) {

@@ -137,6 +137,32 @@ void RowList::DeleteHighlighted() {
             line->Remove();
 }
 
+std::string RowList::FilterText() const {
+    if (highlightedCount == 0)
+        return "no highlights";
+    std::string text;
+    bool first = true;
+    for (int32_t i = 0; i < count; ++i) {
+        if (!entries[i].highlighted || entries[i].type != Row::LineRow)
+            continue;
+        const char* name = static_cast<Line*>(entries[i].row)->FilterName();
+        if (first)
+            text = name;
+        else if (text != name)
+            return "Multi";
+        first = false;
+    }
+    return text;
+}
+
+void RowList::SetFilter(int32_t value) {
+    if (value != -1 && (value < 1 || value > 8))
+        return;
+    for (int32_t i = 0; i < count; ++i)
+        if (entries[i].highlighted && entries[i].type == Row::LineRow)
+            static_cast<Line*>(entries[i].row)->filter = value == -1 ? 64 : value;
+}
+
 bool RowList::Contains(const Row* row) const {
     for (int32_t i = 0; i < count; ++i)
         if (entries[i].row == row)

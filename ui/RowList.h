@@ -3,6 +3,7 @@
 #include "ui/Row.h"
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 class Line;
@@ -33,6 +34,12 @@ class RowList {
     Line* FirstHighlightedLine() const;
     void UnplaceAll();
     void StepControlGroup(int32_t direction);
+    // The filter name common to the highlighted lines, "Multi" if they
+    // differ, "no highlights" with none highlighted.
+    std::string FilterText() const;
+    // 1 to 8 becomes the filter of each highlighted line, -1 the filter 64;
+    // other values are ignored.
+    void SetFilter(int32_t value);
     // The control group of the first highlighted line; -2 with none.
     int32_t ControlGroup() const;
     void ToggleMute();

@@ -281,11 +281,23 @@ LineBarFields ViewWidget::LineBarValues(Line* line) {
     Guard guard(theEngineLock);
     if (line == nullptr || !view->HoldsLine(line))
         return LineBarFields{"", "", view->ControlGroup()};
-    return LineBarFields{line->name, "", view->ControlGroup()};
+    return LineBarFields{line->name, line->FilterName(), view->ControlGroup()};
 }
 
 std::string ViewWidget::MultiLineFilterText() {
-    return "";
+    Guard guard(theEngineLock);
+    return view->FilterText();
+}
+
+void ViewWidget::SetFilter(int32_t value) {
+    Guard guard(theEngineLock);
+    view->SetFilter(value);
+}
+
+int32_t ViewWidget::SetNoteValue(int32_t code, int16_t value) {
+    Guard guard(theEngineLock);
+    const Line* line = view->SetNoteValue(code, value);
+    return line != nullptr ? line->LongestSampleMs() : -1;
 }
 
 InstrumentBarFields ViewWidget::InstrumentBarValues() {
@@ -301,11 +313,12 @@ PatternBarFields ViewWidget::PatternBarValues() {
                             bank->patternRow->saveOnSwitch != 0};
 }
 
-NoteBarFields ViewWidget::NoteBarValues(Line* line, bool) {
+NoteBarFields ViewWidget::NoteBarValues(Line* line, bool isSelection) {
     Guard guard(theEngineLock);
     if (line == nullptr)
         return NoteBarFields{PlayPoint{}, 0};
-    return NoteBarFields{line->defaultNote, line->LongestSampleMs()};
+    return NoteBarFields{isSelection ? line->FirstSelectedPoint() : line->defaultNote,
+                         line->LongestSampleMs()};
 }
 
 void ViewWidget::SetTempoAll(double stepMs) {

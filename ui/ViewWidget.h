@@ -93,6 +93,8 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     void DeleteHighlighted() override;
     void StepControlGroup(int32_t direction) override;
     int32_t ControlGroup() override;
+    void SetFilter(int32_t value) override;
+    int32_t SetNoteValue(int32_t code, int16_t value) override;
     WaveStatus LoadWaveAsLine(const std::string& path, const std::string& name) override;
     WaveStatus LoadWaveIntoLine(Line* line, const std::string& path, const std::string& name,
                                 bool& full) override;

@@ -203,3 +203,67 @@ TEST(Schedule, EditsMatchTimeAndLine) {
 }
 
 } // namespace
+
+namespace {
+
+// A batch of one line's points, live, against the same points one by one:
+// entries, ticks, capacity and what the walker then plays must agree.
+struct ScheduleBatchCase {
+    const char* name;
+    std::vector<std::pair<int32_t, int>> playing;
+    std::vector<int32_t> batch; // times on line 1
+    bool replace;
+};
+
+class ScheduleBatch : public testing::TestWithParam<ScheduleBatchCase> {};
+
+TEST_P(ScheduleBatch, SameAsOneByOne) {
+    const ScheduleBatchCase& c = GetParam();
+    ScheduleFixture one, all;
+    one.Play(c.playing, 512);
+    all.Play(c.playing, 512);
+    one.Run(100);
+    all.Run(100);
+    std::vector<PlayPoint> batch;
+    for (int32_t t : c.batch) {
+        PlayPoint p = ScheduleFixture::Point(t, 1);
+        p.volume = -5;
+        batch.push_back(p);
+        c.replace ? one.schedule.ReplacePoint(p) : one.schedule.InsertPoint(p);
+    }
+    all.schedule.InsertPoints(batch.data(), static_cast<int32_t>(batch.size()), c.replace);
+    ASSERT_EQ(all.schedule.count, one.schedule.count);
+    EXPECT_EQ(all.schedule.capacity, one.schedule.capacity);
+    for (int32_t i = 0; i < one.schedule.count; ++i) {
+        EXPECT_EQ(all.schedule.ticks[i], one.schedule.ticks[i]) << i;
+        EXPECT_EQ(all.schedule.events[i].line, one.schedule.events[i].line) << i;
+        EXPECT_EQ(all.schedule.events[i].volume, one.schedule.events[i].volume) << i;
+    }
+    one.Run(1600);
+    all.Run(1600);
+    EXPECT_EQ(all.fired, one.fired);
+    // Taking the batch out again leaves the pattern as it was.
+    all.schedule.RemovePoints(batch.data(), static_cast<int32_t>(batch.size()));
+    for (int32_t i = 0; i < all.schedule.count; ++i)
+        EXPECT_NE(all.schedule.events[i].line, 1);
+}
+
+std::vector<int32_t> Spread(int32_t n) {
+    std::vector<int32_t> out;
+    for (int32_t i = 0; i < n; ++i)
+        out.push_back(3 + i * 7);
+    return out;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ScheduleBatch,
+    testing::Values(
+        ScheduleBatchCase{"AheadAndBehindThePlayhead", {{0, 0}, {256, 0}}, {32, 64, 300}, false},
+        ScheduleBatchCase{"GrowsPastTheSpareRoom", {{0, 0}}, Spread(70), false},
+        ScheduleBatchCase{"ReplacesOwnLineBehindOthers",
+                          {{64, 0}, {64, 1}, {128, 2}, {192, 1}},
+                          {64, 128, 192, 200},
+                          true}),
+    [](const auto& info) { return info.param.name; });
+
+} // namespace

@@ -31,6 +31,14 @@ class FakeFrameCommands : public FrameCommands {
         line.controlGroup += direction;
     }
     int32_t ControlGroup() override { return line.controlGroup; }
+    void SetFilter(int32_t value) override {
+        calls << QString("SetFilter %1").arg(value);
+        multiFilter = filterAfterSet;
+    }
+    int32_t SetNoteValue(int32_t code, int16_t value) override {
+        calls << QString("SetNoteValue %1 %2").arg(code).arg(value);
+        return longestMs;
+    }
     WaveStatus LoadWaveAsLine(const std::string& path, const std::string&) override {
         calls << QString("LoadWaveAsLine %1").arg(QString::fromStdString(path));
         return WaveStatus::Ok;
@@ -69,6 +77,8 @@ class FakeFrameCommands : public FrameCommands {
     double stepMs = 500.0;
     LineBarFields line{"Kick", "Quarter Notes", -2};
     std::string multiFilter = "Eighth Notes";
+    std::string filterAfterSet = "16th Notes";
+    int32_t longestMs = 2000; // -1: no target line
     InstrumentBarFields instrument{"Inst 1", 1};
     PatternBarFields pattern{0, 2, 1, true};
     NoteBarFields note{PlayPoint{0, 0, 0, 0, 0, 0, 0, 0}, 1000};

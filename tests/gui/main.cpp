@@ -4,6 +4,7 @@
 #include "FrameTest.h"
 #include "InstrumentCommandsTest.h"
 #include "KeyFeedTest.h"
+#include "NoteBarTest.h"
 #include "PartsTest.h"
 #include "ViewWidgetTest.h"
 
@@ -22,10 +23,11 @@ int main(int argc, char** argv) {
     KeyFeedTest keys;
     ViewWidgetTest view;
     InstrumentCommandsTest instrumentCommands;
+    NoteBarTest noteBar;
     int failed = 0;
     for (QObject* test :
          std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &barCommands, &keys,
-                                         &view, &instrumentCommands})
+                                         &view, &instrumentCommands, &noteBar})
         failed += QTest::qExec(test, argc, argv) != 0;
     return failed;
 }

@@ -199,3 +199,69 @@ TEST(PlayPointList, ClearAndCloseLineGap) {
 }
 
 } // namespace
+
+namespace {
+
+// A list of several lines against a batch of one line's points: the batch
+// insert must leave exactly what inserting the points one by one leaves.
+struct BatchCase {
+    const char* name;
+    std::vector<std::pair<int32_t, int>> existing;
+    std::vector<int32_t> batch; // times on line 1
+    bool replace;
+};
+
+class PlayPointListBatch : public testing::TestWithParam<BatchCase> {};
+
+TEST_P(PlayPointListBatch, SameAsOneByOne) {
+    const BatchCase& c = GetParam();
+    PlayPointList one(1024), all(1024);
+    for (auto [t, l] : c.existing) {
+        PlayPoint p{};
+        p.time = t;
+        p.line = static_cast<uint8_t>(l);
+        p.volume = -1;
+        one.Insert(p);
+        all.Insert(p);
+    }
+    std::vector<PlayPoint> batch;
+    for (int32_t t : c.batch) {
+        PlayPoint p{};
+        p.time = t;
+        p.line = 1;
+        batch.push_back(p);
+        c.replace ? one.InsertOrReplace(p) : one.Insert(p);
+    }
+    all.InsertSorted(batch.data(), static_cast<int32_t>(batch.size()), c.replace);
+    ASSERT_EQ(all.count, one.count);
+    EXPECT_EQ(all.capacity, one.capacity);
+    for (int32_t i = 0; i < one.count; ++i) {
+        EXPECT_EQ(all.items[i].time, one.items[i].time) << i;
+        EXPECT_EQ(all.items[i].line, one.items[i].line) << i;
+        EXPECT_EQ(all.items[i].volume, one.items[i].volume) << i;
+    }
+}
+
+std::vector<int32_t> Every(int32_t from, int32_t step, int32_t n) {
+    std::vector<int32_t> out;
+    for (int32_t i = 0; i < n; ++i)
+        out.push_back(from + i * step);
+    return out;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, PlayPointListBatch,
+    testing::Values(
+        BatchCase{"IntoEmpty", {}, Every(0, 10, 45), false},
+        BatchCase{
+            "SameTimesOtherLines", {{10, 0}, {10, 2}, {20, 0}, {500, 3}}, {5, 10, 20, 30}, false},
+        BatchCase{"ReplaceOwnLineAddBehindOthers",
+                  {{10, 0}, {10, 1}, {20, 2}, {20, 1}, {30, 0}},
+                  {10, 20, 25, 30, 40},
+                  true},
+        BatchCase{"PastTheBoundDropped", {{1000, 0}}, {990, 1023, 1024, 2000}, false},
+        BatchCase{"ReplaceAllInPlace", {{0, 1}, {64, 1}, {128, 1}}, {0, 64, 128}, true},
+        BatchCase{"Interleaved", {{1, 0}, {3, 0}, {5, 0}, {7, 0}}, Every(0, 2, 30), true}),
+    [](const auto& info) { return info.param.name; });
+
+} // namespace
