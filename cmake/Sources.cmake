@@ -23,6 +23,7 @@ set(CORE_SOURCES
     ui/Row.cpp
     ui/MainView.cpp
     ui/MainViewMouse.cpp
+    ui/MainViewPaint.cpp
     ui/MainViewPanels.cpp
     ui/MainViewNotes.cpp
     ui/RowList.cpp
