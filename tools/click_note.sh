@@ -13,35 +13,24 @@ program=$1
 helper=$2
 cd "$(dirname "$0")/.."
 work=$(mktemp -d)
-server="oxclick$$"
-export JACK_NO_AUDIO_RESERVATION=1 JACK_DEFAULT_SERVER="$server"
+. tools/realprogram.sh
 line=7      # the cowbell, the demo's last line
 time=96     # a step and a half into the pattern, 0.75 s at 120 BPM
 shown=512   # zoom 1 shows the pattern's two measures
 pass=4      # seconds of a two-measure pass at 120 BPM
 at=0.75     # seconds of the note's time into the pass
 
-jackd -n "$server" -d dummy -r 48000 -p 256 >"$work/jackd.log" 2>&1 &
-jack=$!
-trap 'kill $jack 2>/dev/null || true; rm -rf "$work"' EXIT
-sleep 1
+start_jack "oxclick$$"
 
 xvfb-run -a -s "-screen 0 1280x800x24" sh -c '
     program=$0 helper=$1 work=$2 time=$3 shown=$4
+    . tools/realprogram.sh
     "$program" resources/demo.nst >"$work/program.log" 2>&1 &
     app=$!
-    for i in $(seq 50); do
-        jack_lsp 2>/dev/null | grep -q "^oxbowlantern:" && break
-        sleep 0.2
-    done
-    sleep 1
+    program_ports
     import -window root -depth 8 "ppm:$work/shot.ppm"
     where=$("$helper" where "$work/shot.ppm" "$time" "$shown")
-    jack_lsp 2>/dev/null | grep "^oxbowlantern:" >"$work/ports"
-    port0=$(sed -n 1p "$work/ports")
-    port1=$(sed -n 2p "$work/ports")
-    jack_rec -f "$work/capture.wav" -d 12 -b 32 "$port0" "$port1" >"$work/rec.log" 2>&1 &
-    rec=$!
+    capture 12
     sleep 1
     xdotool mousemove 640 60
     xdotool key grave
