@@ -100,45 +100,28 @@ void BarsTest::controlRects_data() {
     QTest::addColumn<QString>("bar");
     QTest::addColumn<QString>("control");
     QTest::addColumn<QRect>("rect");
-    QTest::newRow("line name") << "lineBar"
-                               << "nameField" << QRect(66, 3, 198, 20);
-    QTest::newRow("line group spin") << "lineBar"
-                                     << "controlGroupSpin" << QRect(731, 3, 17, 41);
-    QTest::newRow("line delete") << "lineBar"
-                                 << "Delete Line(s)" << QRect(384, 18, 86, 26);
-    QTest::newRow("pattern length spin") << "patternBar"
-                                         << "lengthSpin" << QRect(596, 3, 29, 33);
-    QTest::newRow("pattern length label")
-        << "patternBar"
-        << "Length of Pattern (measures) :" << QRect(389, 7, 153, 18);
-    QTest::newRow("inst name") << "instrumentBar"
-                               << "nameField" << QRect(95, 3, 263, 20);
-    QTest::newRow("inst touch spin") << "instrumentBar"
-                                     << "nudgeTouchSpin" << QRect(1031, 3, 33, 28);
-    QTest::newRow("inst close") << "instrumentBar"
-                                << "CLOSE" << QRect(537, 3, 71, 20);
-    QTest::newRow("timers bpm") << "timersBar"
-                                << "bpmField" << QRect(455, 21, 63, 20);
-    QTest::newRow("timers slider") << "timersBar"
-                                   << "tempoSlider" << QRect(543, 2, 224, 46);
-    QTest::newRow("timers 1/64 label") << "timersBar"
-                                       << "<--1/64" << QRect(383, 15, 39, 16);
-    QTest::newRow("note title") << "noteBar"
-                                << "titleField" << QRect(11, 3, 86, 16);
-    QTest::newRow("note volume") << "noteBar"
-                                 << "volumeSlider" << QRect(99, 3, 149, 26);
-    QTest::newRow("note pan") << "noteBar"
-                              << "panSlider" << QRect(585, 24, 74, 18);
-    QTest::newRow("note zero") << "noteBar"
-                               << "Zero" << QRect(665, 24, 33, 20);
-    QTest::newRow("view ok") << "viewBar"
-                             << "OK" << QRect(17, 5, 75, 23);
-    QTest::newRow("view zoom 3") << "viewBar"
-                                 << "zoom3Field" << QRect(539, 24, 35, 20);
-    QTest::newRow("view max zoom") << "viewBar"
-                                   << "max\nzm3" << QRect(608, 8, 29, 31);
-    QTest::newRow("view fractions") << "viewBar"
-                                    << "Notational Fractions" << QRect(662, 5, 114, 21);
+    auto row = [](const char* name, const char* bar, const char* control, QRect rect) {
+        QTest::newRow(name) << bar << control << rect;
+    };
+    row("line name", "lineBar", "nameField", {66, 3, 198, 20});
+    row("line group spin", "lineBar", "controlGroupSpin", {731, 3, 17, 41});
+    row("line delete", "lineBar", "Delete Line(s)", {384, 18, 86, 26});
+    row("pattern length spin", "patternBar", "lengthSpin", {596, 3, 29, 33});
+    row("pattern length label", "patternBar", "Length of Pattern (measures) :", {389, 7, 153, 18});
+    row("inst name", "instrumentBar", "nameField", {95, 3, 263, 20});
+    row("inst touch spin", "instrumentBar", "nudgeTouchSpin", {1031, 3, 33, 28});
+    row("inst close", "instrumentBar", "CLOSE", {537, 3, 71, 20});
+    row("timers bpm", "timersBar", "bpmField", {455, 21, 63, 20});
+    row("timers slider", "timersBar", "tempoSlider", {543, 2, 224, 46});
+    row("timers 1/64 label", "timersBar", "<--1/64", {383, 15, 39, 16});
+    row("note title", "noteBar", "titleField", {11, 3, 86, 16});
+    row("note volume", "noteBar", "volumeSlider", {99, 3, 149, 26});
+    row("note pan", "noteBar", "panSlider", {585, 24, 74, 18});
+    row("note zero", "noteBar", "Zero", {665, 24, 33, 20});
+    row("view ok", "viewBar", "OK", {17, 5, 75, 23});
+    row("view zoom 3", "viewBar", "zoom3Field", {539, 24, 35, 20});
+    row("view max zoom", "viewBar", "max\nzm3", {608, 8, 29, 31});
+    row("view fractions", "viewBar", "Notational Fractions", {662, 5, 114, 21});
 }
 
 void BarsTest::controlRects() {
