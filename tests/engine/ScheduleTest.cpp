@@ -178,10 +178,6 @@ TEST(Schedule, EditsMatchTimeAndLine) {
     EXPECT_EQ(f.schedule.events[0].volume, -300);
 }
 
-} // namespace
-
-namespace {
-
 // A batch of one line's points, live, against the same points one by one:
 // entries, ticks, capacity and what the walker then plays must agree.
 struct ScheduleBatchCase {

@@ -168,10 +168,6 @@ TEST(PlayPointList, ClearAndCloseLineGap) {
     EXPECT_EQ(list.bound, 512);
 }
 
-} // namespace
-
-namespace {
-
 // A list of several lines against a batch of one line's points: the batch
 // insert must leave exactly what inserting the points one by one leaves.
 struct BatchCase {
