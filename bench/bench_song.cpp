@@ -9,6 +9,8 @@
 #include "song/Instrument.h"
 #include "song/PatternBank.h"
 
+#include "BenchKit.h"
+
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -31,20 +33,7 @@ void BM_PatternEndLaunchingFollowers(benchmark::State& state) {
     for (int i = 0; i < Instruments; ++i) {
         instruments.push_back(std::make_unique<Instrument>());
         Instrument& inst = *instruments.back();
-        for (int l = 0; l < Lines; ++l) {
-            SoundBuffer* b = inst.NewBufferForNewLine();
-            b->SetLoaded(voice++, &queue, "s", "/s.wav", 1000, 44100, 88200);
-            b->MarkReady();
-        }
-        PlayPointList pattern(1024);
-        for (int p = 0; p < Points; ++p) {
-            PlayPoint point{};
-            point.time = p * 1024 / Points;
-            point.line = static_cast<uint8_t>(p % Lines);
-            pattern.Insert(point);
-        }
-        inst.GetBank()->SetPattern(0, pattern);
-        inst.GetSequencer()->Restart();
+        FillAndStart(inst, Lines, Points, queue, voice);
         engine.AddPlayhead(inst.GetSchedule()->GetPlayhead());
         engine.AddHighlightedSequencer(inst.GetSequencer());
     }

@@ -11,6 +11,8 @@
 #include "song/PatternBank.h"
 #include "ui/MainView.h"
 
+#include "BenchKit.h"
+
 #include <benchmark/benchmark.h>
 
 #include <mutex>
@@ -42,20 +44,7 @@ void BM_SetTempoAllUnderLock(benchmark::State& state) {
             if (i > 0)
                 view.NewInstrument();
             Instrument& inst = *view.Current();
-            for (int l = 0; l < Lines; ++l) {
-                SoundBuffer* b = inst.NewBufferForNewLine();
-                b->SetLoaded(voice++, &queue, "s", "/s.wav", 1000, 44100, 88200);
-                b->MarkReady();
-            }
-            PlayPointList pattern(1024);
-            for (int p = 0; p < Points; ++p) {
-                PlayPoint point{};
-                point.time = p * 1024 / Points;
-                point.line = static_cast<uint8_t>(p % Lines);
-                pattern.Insert(point);
-            }
-            inst.GetBank()->SetPattern(0, pattern);
-            inst.GetSequencer()->Restart();
+            FillAndStart(inst, Lines, Points, queue, voice);
         }
         int64_t compiled = 0;
         for (Instrument* inst : view.instruments)

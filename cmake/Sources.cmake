@@ -17,17 +17,25 @@ set(CORE_SOURCES
     engine/OutputKeeper.cpp
     engine/ClockDisplay.cpp
     engine/SequencerRow.cpp
+    engine/SequencerRowPaint.cpp
     song/PatternBank.cpp
     song/SampleRegistry.cpp
     song/Instrument.cpp
     ui/Row.cpp
     ui/MainView.cpp
     ui/MainViewMouse.cpp
+    ui/MainViewPaint.cpp
+    ui/MainViewPanels.cpp
+    ui/MainViewNotes.cpp
     ui/RowList.cpp
     ui/KeyMap.cpp
     ui/ScanCodes.cpp
     editing/Line.cpp
     editing/LinePaint.cpp
+    editing/SamplePanel.cpp
+    editing/VolumePanel.cpp
+    editing/LineGestures.cpp
+    editing/LineEdit.cpp
     song/PatternRow.cpp
     song/FileArchive.cpp
     song/DiskFile.cpp

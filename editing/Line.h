@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <vector>
 
 class PatternBank;
 class PlayPointList;
@@ -24,7 +25,14 @@ struct SampleSlot {
 // and the values acting on the whole line, which it keeps sent to its sound
 // buffers. Every operation runs with the engine lock held, on the GUI thread;
 // Mute, Unmute and the volume operations also in the tick (mute keys), where
-// they neither allocate nor wait.
+// they neither allocate nor wait, and so do the key commands on the
+// selection (Nudge, DeleteSelection, CopySelection, CutSelection,
+// FillFromSelection), which reuse the line's scratch arrays.
+//
+// A selection is a range of time, selectionFirst to selectionLast, not a list
+// of points: it covers whatever points of the shown pattern lie in it, also
+// after a pattern switch. The mouse gestures are in editing/LineGestures.cpp,
+// the edits of points and selections in editing/LineEdit.cpp.
 class Line : public Row {
   public:
     // Value codes of GetValue and SetValue, also used by the panels.
@@ -52,6 +60,50 @@ class Line : public Row {
     // their length bars, and the position of the selection's first point
     // (editing/LinePaint.cpp).
     void Paint() override;
+
+    // Mouse gestures on the row (editing/LineGestures.cpp). flags as Row's.
+    void OnLButtonDown(uint32_t flags, int32_t x, int32_t y) override;
+    void OnLButtonUp(uint32_t flags, int32_t x, int32_t y) override;
+    void OnRButtonDown(uint32_t flags, int32_t x, int32_t y) override;
+    void OnRButtonUp(uint32_t flags, int32_t x, int32_t y) override;
+    void OnRButtonDblClk(uint32_t flags, int32_t x, int32_t y) override;
+    // A plain left press on the grid of division parts of a step.
+    void DropWithDivision(int32_t division, int32_t x, int32_t y);
+    // Pastes count notes, times from the start of their first measure, at
+    // the step (free 1) or the measure (free 0) under x.
+    void PasteAt(uint8_t free, const PlayPoint* notes, int32_t count, int32_t x, int32_t y);
+
+    // Placing notes (editing/LineEdit.cpp). A point on time is selected, else
+    // a new one with the default note's values is made there.
+    void DropPoint(int32_t time);
+    void ErasePoint(int32_t time);
+    // The label of filter, as a note value or as a part of a step.
+    static const char* FilterName(int32_t filter, uint8_t notational);
+    const char* FilterName() const { return FilterName(filter, notationalFractions); }
+
+    // The selection.
+    // Tells the view that this line holds the highlighted points.
+    void Highlight();
+    // Drops the range, remembering it for a press on its first point.
+    void Unhighlight();
+    void ClearSelection();
+    int32_t SelectionMeasure() const;
+    // The first point in the range; the default note when none lies there.
+    PlayPoint FirstSelectedPoint() const;
+    // direction 1, -1 by a unit, 2, -2 by an eighth of a step.
+    void Nudge(int32_t direction);
+    void DeleteSelection();
+    // The selected points into out, times from the start of the first one's
+    // measure; returns their number. Cut also removes them.
+    int32_t CopySelection(std::vector<PlayPoint>& out);
+    int32_t CutSelection(std::vector<PlayPoint>& out);
+    // Copies the selected points from their block of measures on to the
+    // pattern's end; destructive clears the place first. times 0: as many
+    // copies as the pattern needs.
+    void FillFromSelection(uint8_t destructive, int32_t times);
+    // A field of the default note (toDefault) or of every selected point;
+    // code as PlayPointField.
+    void SetNoteValue(int32_t code, int16_t value, bool toDefault);
 
     // Stores the window of measures shown; draws nothing.
     void SetWindow(int32_t visible, int32_t first);
@@ -132,6 +184,38 @@ class Line : public Row {
     PatternBank* bank;
 
   private:
+    // Where a press lies on the time axis: a from above 0 to below 1.
+    struct AxisHit {
+        bool counts;
+        double a;
+    };
+    AxisHit AxisAt(int32_t x, int32_t y) const;
+    int32_t TimeAtPoint(double a, int32_t division) const;
+    // The time of the last point in [first, last], or -1.
+    int32_t LastTimeIn(int32_t first, int32_t last) const;
+    // The point before or at t within the catch distance, else the last one
+    // after it within that distance, else t.
+    int32_t CatchNeighbour(int32_t t) const;
+    // selectionFirst moves to the first point of the range, if one lies in it.
+    void StartRangeOnPoint();
+    void MoveSelection(int32_t t);
+    // The points in [first, last] into out; their number.
+    int32_t CopyRangeInto(int32_t first, int32_t last, std::vector<PlayPoint>& out) const;
+    // Takes the n points of out, just copied from [first, last], off the
+    // line and the bank; puts n points back (with replace, over points of
+    // their times).
+    void TakeOff(const std::vector<PlayPoint>& out, int32_t n);
+    void PutOn(const PlayPoint* sorted, int32_t n, bool replace);
+    void FillCopies(int32_t n, int32_t times, int32_t spanUnits);
+
+    // Scratch arrays of the edits, grown and never shrunk, so that key
+    // commands in the tick allocate only when a selection is larger than any
+    // before.
+    std::vector<PlayPoint> work;
+    std::vector<PlayPoint> spare;
+    // Keeps a nudge from running into itself.
+    uint8_t nudgeGate = 1;
+
     // Index of slot i in the per-sample arrays.
     static int32_t Reversed(int32_t slot) { return MaxSamples - 1 - slot; }
     const double* ValueOf(int32_t code) const;

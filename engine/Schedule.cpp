@@ -204,14 +204,79 @@ void Schedule::RemovePoint(PlayPoint p) {
     EndEdit();
 }
 
+// One pass that keeps what is not removed, so that removing many points
+// moves each entry once.
 void Schedule::RemovePoints(const PlayPoint* sorted, int32_t n) {
     playhead.ready = 0;
-    int32_t from = 0;
-    for (int32_t k = 0; k < n; ++k) {
-        const int32_t i = FindPoint(sorted[k], from);
-        if (i < count && events[i].time == sorted[k].time)
-            RemoveAt(i);
-        from = i;
+    int32_t kept = 0;
+    int32_t k = 0;
+    for (int32_t i = 0; i < count; ++i) {
+        while (k < n && sorted[k].time < events[i].time)
+            ++k;
+        bool gone = false;
+        for (int32_t j = k; j < n && sorted[j].time == events[i].time && !gone; ++j)
+            gone = sorted[j].line == events[i].line;
+        if (gone)
+            continue;
+        ticks[kept] = ticks[i];
+        events[kept++] = events[i];
+    }
+    count = kept;
+    EndEdit();
+}
+
+// Whether the entries of p's time that end at index last hold p's line.
+bool Schedule::HasLineAt(int32_t last, PlayPoint p) const {
+    for (int32_t i = last; i >= 0 && events[i].time == p.time; --i)
+        if (events[i].line == p.line)
+            return true;
+    return false;
+}
+
+// Grows the arrays as InsertAt would have grown them for newCount entries.
+void Schedule::GrowFor(int32_t newCount) {
+    int32_t grown = capacity;
+    while (grown <= newCount)
+        grown += Growth;
+    if (allocated < grown)
+        GrowCurrent(grown);
+    capacity = grown;
+}
+
+// Replacements are written in place first; the new entries are then merged
+// from the back, so that each entry moves once.
+void Schedule::InsertPoints(const PlayPoint* sorted, int32_t n, bool replace) {
+    playhead.ready = 0;
+    int32_t added = n;
+    if (replace)
+        for (int32_t k = 0, from = 0; k < n; ++k) {
+            while (from < count && events[from].time < sorted[k].time)
+                ++from;
+            const int32_t i = FindPoint(sorted[k], from);
+            if (i < count && events[i].time == sorted[k].time) {
+                events[i] = sorted[k];
+                --added;
+            }
+        }
+    if (added > 0) {
+        GrowFor(count + added);
+        int32_t from = count - 1;
+        int32_t to = count + added - 1;
+        for (int32_t k = n - 1; k >= 0; --k) {
+            const PlayPoint& p = sorted[k];
+            // InsertPoint puts p before the entries of its time, ReplacePoint
+            // after them.
+            while (from >= 0 &&
+                   (events[from].time > p.time || (!replace && events[from].time == p.time))) {
+                ticks[to] = ticks[from];
+                events[to--] = events[from--];
+            }
+            if (replace && HasLineAt(from, p))
+                continue; // written over above
+            ticks[to] = TimeUnits::LiveTick(p.time, lengthTicks, lengthUnits);
+            events[to--] = p;
+        }
+        count += added;
     }
     EndEdit();
 }

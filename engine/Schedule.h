@@ -47,6 +47,9 @@ class Schedule {
     void ReplacePoint(PlayPoint p);
     void RemovePoint(PlayPoint p);
     void RemovePoints(const PlayPoint* sorted, int32_t n);
+    // Many points of distinct times, sorted, in one pass: the same result as
+    // InsertPoint (or ReplacePoint with replace set) of each in turn.
+    void InsertPoints(const PlayPoint* sorted, int32_t n, bool replace);
     void LineRemoved(int32_t line);
     // Audio thread (from the playhead): one tick before the pattern wraps.
     void NotifyPatternEnding();
@@ -75,6 +78,8 @@ class Schedule {
     void InsertAt(int32_t i, PlayPoint p, int32_t tick);
     void GrowCurrent(int32_t size);
     void RemoveAt(int32_t i);
+    void GrowFor(int32_t newCount);
+    bool HasLineAt(int32_t last, PlayPoint p) const;
     void EndEdit();
 
     // Entries actually allocated; capacity is the logical room the walker

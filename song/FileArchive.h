@@ -7,6 +7,7 @@
 #include <vector>
 
 class SoundSystem;
+struct MissingWave;
 
 // A file that could not be read or written: the file's name and a reason in
 // words a performer understands. what() gives both as one line.
@@ -59,6 +60,8 @@ class FileArchive {
     // The loader for the wave files named in an instrument being read; null
     // reads the instrument without its samples.
     SoundSystem* sounds = nullptr;
+    // Loading: where the waves that could not be loaded are listed, if set.
+    std::vector<MissingWave>* missing = nullptr;
 
   private:
     uint32_t ReadLength();

@@ -109,8 +109,11 @@ void LoadWaves(Instrument& instrument, FileArchive& archive) {
         SoundBuffer* buffer = instrument.NewBufferForLine(i / Line::MaxSamples);
         archive.sounds->LoadWave(ResolveSamplePath(path, archive.FileName()),
                                  SampleDisplayName(path), buffer);
-        if (archive.sounds->lastStatus != WaveStatus::Ok)
-            delete buffer;
+        if (archive.sounds->lastStatus == WaveStatus::Ok)
+            continue;
+        delete buffer;
+        if (archive.missing != nullptr)
+            archive.missing->push_back(MissingWave{path, archive.sounds->lastStatus});
     }
 }
 
@@ -153,10 +156,12 @@ std::string WithInstrumentExtension(const std::string& path) {
     return path.find(".nst") == std::string::npos ? path + ".nst" : path;
 }
 
-std::unique_ptr<Instrument> LoadInstrument(const std::string& path, SoundSystem* sounds) {
+std::unique_ptr<Instrument> LoadInstrument(const std::string& path, SoundSystem* sounds,
+                                           std::vector<MissingWave>* missing) {
     const std::vector<uint8_t> bytes = ReadWholeFile(path, MaxInstrumentFileBytes);
     FileArchive archive(bytes.data(), bytes.size(), path);
     archive.sounds = sounds;
+    archive.missing = missing;
     auto instrument = std::make_unique<Instrument>();
     try {
         instrument->Serialize(archive);

@@ -174,17 +174,19 @@ PlayPointList PatternBank::GetPattern(int32_t index) const {
     return PlayPointList(index == current ? working : patterns[index]);
 }
 
+// A point at or past the pattern's end is refused by the list, and must not
+// reach the schedule either, where the walker would wait for it.
 void PatternBank::AddPoint(PlayPoint p) {
     working.Insert(p);
     schedule->Reserve(working.count);
-    if (ShownIsPlaying())
+    if (ShownIsPlaying() && p.time < working.bound)
         schedule->InsertPoint(p);
 }
 
 void PatternBank::ReplacePoint(PlayPoint p) {
     working.InsertOrReplace(p);
     schedule->Reserve(working.count);
-    if (ShownIsPlaying())
+    if (ShownIsPlaying() && p.time < working.bound)
         schedule->ReplacePoint(p);
 }
 
@@ -199,6 +201,25 @@ void PatternBank::RemovePoints(const PlayPoint* points, int32_t n) {
         working.RemoveRangeOfLine(points[0].time, points[n - 1].time, points[0].line);
     if (ShownIsPlaying())
         schedule->RemovePoints(points, n);
+}
+
+// Points at or past the pattern's end reach neither list.
+void PatternBank::AddPoints(const PlayPoint* points, int32_t n) {
+    while (n > 0 && points[n - 1].time >= working.bound)
+        --n;
+    working.InsertSorted(points, n, false);
+    schedule->Reserve(working.count);
+    if (ShownIsPlaying() && n > 0)
+        schedule->InsertPoints(points, n, false);
+}
+
+void PatternBank::ReplacePoints(const PlayPoint* points, int32_t n) {
+    while (n > 0 && points[n - 1].time >= working.bound)
+        --n;
+    working.InsertSorted(points, n, true);
+    schedule->Reserve(working.count);
+    if (ShownIsPlaying() && n > 0)
+        schedule->InsertPoints(points, n, true);
 }
 
 void PatternBank::RebuildLines() {

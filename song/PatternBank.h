@@ -52,6 +52,10 @@ class PatternBank {
     void ReplacePoint(PlayPoint p);
     void RemovePoint(PlayPoint p);
     void RemovePoints(const PlayPoint* points, int32_t n);
+    // AddPoint or ReplacePoint of each of n points of one line, sorted by
+    // time, in one pass over the lists.
+    void AddPoints(const PlayPoint* points, int32_t n);
+    void ReplacePoints(const PlayPoint* points, int32_t n);
 
     // Passed through to the instrument and the schedule for the lines.
     double GetStepMs() const;

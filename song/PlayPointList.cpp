@@ -1,5 +1,6 @@
 #include "song/PlayPointList.h"
 
+#include <algorithm>
 #include <cstring>
 
 PlayPointList::PlayPointList(int32_t b) : bound(b), items(new PlayPoint[Step]) {}
@@ -29,10 +30,9 @@ int32_t PlayPointList::LowerIndex(int32_t time) const {
     // a point behind the last one needs no scan.
     if (count == 0 || items[count - 1].time < time)
         return count;
-    int32_t i = 0;
-    while (i < count && items[i].time < time)
-        ++i;
-    return i;
+    const PlayPoint* at = std::lower_bound(
+        items, items + count, time, [](const PlayPoint& p, int32_t t) { return p.time < t; });
+    return static_cast<int32_t>(at - items);
 }
 
 // From the first point of p's time, walks over the points of that time until
@@ -80,6 +80,58 @@ void PlayPointList::InsertOrReplace(PlayPoint p) {
     StoreAt(i, p);
 }
 
+// The capacity that inserting points one by one would leave: one step more
+// each time the count reaches it.
+void PlayPointList::Reserve(int32_t newCount) {
+    int32_t grown = capacity;
+    while (grown <= newCount)
+        grown += Step;
+    if (grown != capacity)
+        Reallocate(grown);
+}
+
+// Merges from the back, so that each point moves once. A new point goes
+// before the points of its time, as Insert puts it; with replace it
+// overwrites the point of its time and line, or else goes after the points of
+// its time, as InsertOrReplace does.
+void PlayPointList::InsertSorted(const PlayPoint* sorted, int32_t n, bool replace) {
+    while (n > 0 && sorted[n - 1].time >= bound)
+        --n;
+    int32_t added = n;
+    if (replace)
+        for (int32_t k = 0, from = 0; k < n; ++k) {
+            while (from < count && items[from].time < sorted[k].time)
+                ++from;
+            const int32_t i = LineIndex(from, sorted[k]);
+            if (i < count && items[i].time == sorted[k].time) {
+                items[i] = sorted[k];
+                --added;
+            }
+        }
+    if (added <= 0)
+        return;
+    Reserve(count + added);
+    int32_t from = count - 1;
+    int32_t to = count + added - 1;
+    for (int32_t k = n - 1; k >= 0; --k) {
+        const PlayPoint& p = sorted[k];
+        while (from >= 0 && (items[from].time > p.time || (!replace && items[from].time == p.time)))
+            items[to--] = items[from--];
+        if (replace && HasLineAt(from, p))
+            continue; // written over in place above
+        items[to--] = p;
+    }
+    count += added;
+}
+
+// Whether the points of p's time that end at index last hold p's line.
+bool PlayPointList::HasLineAt(int32_t last, PlayPoint p) const {
+    for (int32_t i = last; i >= 0 && items[i].time == p.time; --i)
+        if (items[i].line == p.line)
+            return true;
+    return false;
+}
+
 void PlayPointList::Remove(PlayPoint p) {
     if (count == 0)
         return;
@@ -110,15 +162,12 @@ void PlayPointList::RemoveRange(int32_t first, int32_t last) {
 void PlayPointList::RemoveRangeOfLine(int32_t first, int32_t last, int32_t line) {
     if (RangeIsEmpty(first, last))
         return;
-    PlayPoint* kept = new PlayPoint[capacity];
-    int32_t n = 0;
-    for (int32_t i = 0; i < count; ++i) {
+    int32_t n = LowerIndex(first);
+    for (int32_t i = n; i < count; ++i) {
         const PlayPoint& p = items[i];
-        if (!(p.time >= first && p.time <= last && p.line == line))
-            kept[n++] = p;
+        if (!(p.time <= last && p.line == line))
+            items[n++] = p;
     }
-    delete[] items;
-    items = kept;
     count = n;
 }
 

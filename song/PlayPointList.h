@@ -21,6 +21,11 @@ class PlayPointList {
     void Assign(const PlayPointList& other);
     void Insert(PlayPoint p);
     void InsertOrReplace(PlayPoint p);
+    // Many points at once, sorted by time and of distinct times, in one pass
+    // over the list: the same result as Insert (or InsertOrReplace with
+    // replace set) of each in turn, capacity included. Allocates only when
+    // the list must grow.
+    void InsertSorted(const PlayPoint* sorted, int32_t n, bool replace);
     void Remove(PlayPoint p);
     void RemoveRange(int32_t first, int32_t last);
     void RemoveRangeOfLine(int32_t first, int32_t last, int32_t line);
@@ -43,5 +48,7 @@ class PlayPointList {
     int32_t LineIndex(int32_t from, PlayPoint p) const;
     void StoreAt(int32_t index, PlayPoint p);
     void Reallocate(int32_t newCapacity);
+    void Reserve(int32_t newCount);
+    bool HasLineAt(int32_t last, PlayPoint p) const;
     bool RangeIsEmpty(int32_t first, int32_t last) const;
 };

@@ -1,5 +1,6 @@
 #include "song/SamplePath.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
@@ -59,12 +60,20 @@ std::string ResolveSamplePath(const std::string& path, const std::string& instru
     const std::string name = SampleFileName(path);
     if (IsFile(path) || name.empty())
         return path;
-    const std::string beside = fs::path(instrumentFile).parent_path().string();
-    for (const std::string& folder :
-         {beside.empty() ? std::string(".") : beside, DefaultSoundFolder(), BundledSoundFolder()}) {
+    for (const std::string& folder : SampleSearchFolders(instrumentFile)) {
         const std::string candidate = folder + "/" + name;
-        if (!folder.empty() && IsFile(candidate))
+        if (IsFile(candidate))
             return candidate;
     }
     return path;
+}
+
+std::vector<std::string> SampleSearchFolders(const std::string& instrumentFile) {
+    const std::string beside = fs::path(instrumentFile).parent_path().string();
+    std::vector<std::string> folders;
+    for (const std::string& folder :
+         {beside.empty() ? std::string(".") : beside, DefaultSoundFolder(), BundledSoundFolder()})
+        if (IsFolder(folder) && std::find(folders.begin(), folders.end(), folder) == folders.end())
+            folders.push_back(folder);
+    return folders;
 }

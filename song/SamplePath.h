@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 // Where the wave files an instrument names are found. Any thread; reads the
 // file system but changes nothing.
@@ -26,3 +27,7 @@ std::string DefaultSoundFolder();
 // instrument file, then in the default sound folder, then in the bundled
 // kit. When none has it, the path is returned unchanged and fails to load.
 std::string ResolveSamplePath(const std::string& path, const std::string& instrumentFile);
+
+// The folders where ResolveSamplePath looks for a wave file that is not at
+// its own path, in its order; a folder that does not exist is left out.
+std::vector<std::string> SampleSearchFolders(const std::string& instrumentFile);

@@ -10,28 +10,16 @@ program=$1
 compare=$2
 cd "$(dirname "$0")/.."
 work=$(mktemp -d)
-server="oxplay$$"
-export JACK_NO_AUDIO_RESERVATION=1 JACK_DEFAULT_SERVER="$server"
-
-jackd -n "$server" -d dummy -r 48000 -p 256 >"$work/jackd.log" 2>&1 &
-jack=$!
-trap 'kill $jack 2>/dev/null || true; rm -rf "$work"' EXIT
-sleep 1
+. tools/realprogram.sh
+start_jack "oxplay$$"
 
 xvfb-run -a -s "-screen 0 1280x800x24" sh -c '
     program=$0 work=$1
+    . tools/realprogram.sh
     "$program" resources/demo.nst >"$work/program.log" 2>&1 &
     app=$!
-    for i in $(seq 50); do
-        jack_lsp 2>/dev/null | grep -q "^oxbowlantern:" && break
-        sleep 0.2
-    done
-    sleep 1
-    jack_lsp 2>/dev/null | grep "^oxbowlantern:" >"$work/ports"
-    port0=$(sed -n 1p "$work/ports")
-    port1=$(sed -n 2p "$work/ports")
-    jack_rec -f "$work/capture.wav" -d 7 -b 32 "$port0" "$port1" >"$work/rec.log" 2>&1 &
-    rec=$!
+    program_ports
+    capture 7
     sleep 1
     xdotool mousemove 640 400
     xdotool key grave

@@ -6,9 +6,7 @@
 #include "engine/EngineLock.h"
 #include "engine/OutputKeeper.h"
 #include "engine/SoundSystem.h"
-#include "song/FileArchive.h"
 #include "song/Instrument.h"
-#include "song/InstrumentFile.h"
 #include "ui/CMainFrame.h"
 #include "ui/KeyFeed.h"
 #include "ui/KeyMap.h"
@@ -17,7 +15,7 @@
 #include "ui/ViewWidget.h"
 
 #include <QApplication>
-#include <QMessageBox>
+#include <QFile>
 #include <QStatusBar>
 #include <csignal>
 #include <cstdio>
@@ -41,20 +39,26 @@ void BlockStopSignals() {
 // stands silent on its level slider until the performer moves it; the files
 // named at start stand in for the program's first instrument, so they get
 // its level and are heard at once.
-void LoadNamedFiles(int argc, char** argv, ViewWidget& view, SoundSystem& sounds) {
+void LoadNamedFiles(int argc, char** argv, ViewWidget& view, CMainFrame& frame) {
     for (int i = 1; i < argc; ++i) {
-        try {
-            std::unique_ptr<Instrument> inst = LoadInstrument(argv[i], &sounds);
-            std::lock_guard<EngineMutex> guard(theEngineLock);
-            Instrument* added = inst.release();
-            view.View()->AddInstrument(added);
-            added->Mute();
-            added->Unmute();
-            added->SetLevel(0, MainView::FirstInstrumentLevel);
-        } catch (const FileError& e) {
-            QMessageBox::warning(&view, "oxbowlantern", QString::fromStdString(e.what()));
-        }
+        if (!frame.LoadInstrumentPath(QFile::decodeName(argv[i])))
+            continue;
+        std::lock_guard<EngineMutex> guard(theEngineLock);
+        view.View()->Current()->SetLevel(0, MainView::FirstInstrumentLevel);
     }
+}
+
+// The test hook of the save command: with OX_SAVE_AS set, the current
+// instrument is saved there once at start, through the Save As command with
+// the path in place of its dialog.
+void SaveAsForTest(CMainFrame& frame) {
+    const QString path = qEnvironmentVariable("OX_SAVE_AS");
+    if (path.isEmpty())
+        return;
+    const InstrumentPrompts prompts = frame.instrumentPrompts;
+    frame.instrumentPrompts.saveFile = [path](QWidget*) { return path; };
+    frame.SaveAsCommand();
+    frame.instrumentPrompts = prompts;
 }
 
 } // namespace
@@ -99,7 +103,9 @@ int RunApplication(int argc, char** argv) {
     theEngine->SetKeyWake([](void* v) { static_cast<ViewWidget*>(v)->Wake(); }, view);
     KeyFeed keys(*theEngine);
     keys.Start();
-    LoadNamedFiles(argc, argv, *view, *sounds);
+    view->CreatePanels();
+    LoadNamedFiles(argc, argv, *view, frame);
+    SaveAsForTest(frame);
 
     const int code = app.exec();
 

@@ -142,6 +142,7 @@ void CMainFrame::OnFractionsCheck() {
 void CMainFrame::ConnectLineBar() {
     connect(lineBar->deleteButton, &QPushButton::clicked, this, &CMainFrame::OnDeleteLines);
     connect(lineBar->controlGroupSpin, &SpinArrows::Spun, this, &CMainFrame::OnControlGroupSpin);
+    connect(lineBar->filterSpin, &SpinArrows::Spun, this, &CMainFrame::OnFilterSpin);
 }
 
 // The filter field becomes the focus widget but keeps its NoFocus policy, so
@@ -160,14 +161,31 @@ void CMainFrame::OnControlGroupSpin(int spinDelta) {
 
 // Playback goes on while the dialog is open: no lock is held here.
 void CMainFrame::LoadWaves() {
-    const QStringList files =
-        wavePrompts.pickFiles(this, QString::fromStdString(DefaultSoundFolder()));
+    LoadWaveFiles(wavePrompts.pickFiles(this, QString::fromStdString(DefaultSoundFolder())),
+                  nullptr);
+}
+
+void CMainFrame::LoadSamples() {
+    Line* line = commands->SamplePanelLine();
+    if (line == nullptr)
+        return;
+    LoadWaveFiles(wavePrompts.pickFiles(this, QString::fromStdString(DefaultSoundFolder())), line);
+}
+
+// A line takes files until it has three samples; the test comes after each
+// load, so a line that is full already still reads one.
+void CMainFrame::LoadWaveFiles(const QStringList& files, Line* line) {
     QStringList refused;
     for (const QString& file : files) {
         const std::string path = QFile::encodeName(file).toStdString();
-        const WaveStatus status = commands->LoadWaveAsLine(path, WaveLineName(path));
+        bool full = false;
+        const WaveStatus status =
+            line == nullptr ? commands->LoadWaveAsLine(path, WaveLineName(path))
+                            : commands->LoadWaveIntoLine(line, path, WaveLineName(path), full);
         if (status != WaveStatus::Ok)
             refused << QStringLiteral("%1: %2").arg(file, WaveRefusalReason(status));
+        if (full)
+            break;
     }
     if (!refused.isEmpty())
         wavePrompts.warn(this, QStringLiteral("These wave files were not loaded:\n\n") +

@@ -5,7 +5,8 @@
 // The bottom bars of the frame, each with its controls at their rectangles.
 // The fields are filled by the frame's Show... operations. The frame connects
 // the commands of the timers bar, the view bar and the line bar's delete
-// button and control group spin (ui/BarCommands.cpp); the other controls
+// button and control group spin (ui/BarCommands.cpp), and of the line bar's
+// filter spin and the note bar (ui/NoteBarCommands.cpp); the other controls
 // stand in place and do nothing until their commands are connected, and
 // "TOGGLE TAPPING" and "Done" never have one. Controls that a bar only holds
 // hidden and without any function are left out; the note bar's pitch slider

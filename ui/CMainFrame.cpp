@@ -53,11 +53,12 @@ CMainFrame::CMainFrame(QWidget* mainView, FrameCommands* frameCommands)
     ConnectTimersBar();
     ConnectViewBar();
     ConnectLineBar();
+    ConnectInstrumentBar();
+    ConnectPatternBar();
+    ConnectNoteBar();
+    setAcceptDrops(true);
 }
 
-// "&Load Instrument", "Save Instrument", "Save As" and the tutorials stand in
-// place without a command until the instrument file commands and the help
-// dialogs are connected to them.
 void CMainFrame::CreateMenus() {
     QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
     connect(file->addAction(QStringLiteral("E&xit")), &QAction::triggered, this, &QWidget::close);
@@ -66,9 +67,12 @@ void CMainFrame::CreateMenus() {
     instruments->addSeparator();
     connect(instruments->addAction(QStringLiteral("&New Instrument")), &QAction::triggered, this,
             [this] { commands->NewInstrument(); });
-    instruments->addAction(QStringLiteral("&Load Instrument"));
-    instruments->addAction(QStringLiteral("Save Instrument"));
-    instruments->addAction(QStringLiteral("Save As"));
+    connect(instruments->addAction(QStringLiteral("&Load Instrument")), &QAction::triggered, this,
+            &CMainFrame::LoadInstrumentCommand);
+    connect(instruments->addAction(QStringLiteral("Save Instrument")), &QAction::triggered, this,
+            &CMainFrame::SaveInstrumentCommand);
+    connect(instruments->addAction(QStringLiteral("Save As")), &QAction::triggered, this,
+            &CMainFrame::SaveAsCommand);
     connect(instruments->addAction(QStringLiteral("Close Instrument")), &QAction::triggered, this,
             [this] { commands->CloseInstrument(); });
 
@@ -79,10 +83,12 @@ void CMainFrame::CreateMenus() {
     QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
     connect(help->addAction(QStringLiteral("&About program...")), &QAction::triggered, this,
             &CMainFrame::ShowAbout);
+    int number = 0;
     for (const char* tutorial :
          {"Tutorial 1 (firsttime users)", "Tutorial 2 (volume)", "Tutorial 3 (editing)",
           "Tutorial 4 (sequencing)", "Tutorial 5 (notes)"})
-        help->addAction(QString::fromLatin1(tutorial));
+        connect(help->addAction(QString::fromLatin1(tutorial)), &QAction::triggered, this,
+                [this, n = ++number] { ShowTutorial(n); });
 }
 
 // Cut, Copy, Paste and Print have no command anywhere in the program and stay

@@ -2,9 +2,11 @@
 
 #include "ui/Bars.h"
 #include "ui/FrameCommands.h"
+#include "ui/InstrumentPrompts.h"
 #include "ui/WavePrompts.h"
 
 #include <QMainWindow>
+#include <QUrl>
 #include <cstdint>
 
 class QToolBar;
@@ -49,6 +51,29 @@ class CMainFrame : public QMainWindow {
     // picked file becomes a line of the current instrument; the refused ones
     // are named in one message at the end.
     void LoadWaves();
+    // "LOAD" of the sample panel and the double clicks on a line's name: the
+    // picked files become samples of the panel's line while it has room.
+    void LoadSamples();
+    // Each wave file into the line, while it has room, or as a new line of
+    // its own with a null line; the refused ones are named in one message.
+    void LoadWaveFiles(const QStringList& files, Line* line);
+
+    // The instrument commands (ui/InstrumentCommands.cpp). A refused file or
+    // a failed save is named with its reason in a message box, and nothing
+    // changes; waves that a loaded file names but that cannot be used are
+    // listed in one message with the folders they were looked for in.
+    void LoadInstrumentCommand();
+    // Returns whether the instrument was added.
+    bool LoadInstrumentPath(const QString& path);
+    void SaveInstrumentCommand();
+    void SaveAsCommand();
+    void ChangeNameCommand();
+    void ShowTutorial(int number);
+    // Files dropped at a point of the view: ".nst" files load as
+    // "&Load Instrument" loads them, wherever they land; ".wav" files dropped
+    // on a line's name become its samples, on an empty row new lines.
+    // Returns whether any file was taken.
+    bool DropFiles(const QList<QUrl>& urls, QPoint atView);
 
     QWidget* view;
     FrameCommands* commands;
@@ -65,9 +90,13 @@ class CMainFrame : public QMainWindow {
     uint8_t barState = EmptyBarUp;
     // The file dialog and the message box of LoadWaves.
     WavePrompts wavePrompts = SystemWavePrompts();
+    // The file dialogs and the name dialog of the instrument commands.
+    InstrumentPrompts instrumentPrompts = SystemInstrumentPrompts();
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
   private:
     void CreateMenus();
@@ -78,6 +107,11 @@ class CMainFrame : public QMainWindow {
     void ConnectTimersBar();
     void ConnectViewBar();
     void ConnectLineBar();
+    void ConnectInstrumentBar();
+    void ConnectPatternBar();
+    void OnInstrumentSpin(int32_t control, int spinDelta);
+    void OnPatternSpin(bool length, int spinDelta);
+    void WarnSaveFailed(const std::string& reason);
     void OnSplitButton(int32_t direction);
     void OnSlotButton(int32_t delta);
     void OnZoomSpin(int32_t which, int spinDelta);
@@ -85,6 +119,13 @@ class CMainFrame : public QMainWindow {
     void OnFractionsCheck();
     void OnDeleteLines();
     void OnControlGroupSpin(int spinDelta);
+    // ui/NoteBarCommands.cpp: the line bar's filter spin and the note bar.
+    void OnFilterSpin(int spinDelta);
+    void ConnectNoteBar();
+    void OnNoteSlider(int32_t code, int32_t position);
+    void OnNoteSpin(int32_t code, int spinDelta);
+    void OnZeroPan();
+    void ShowNoteTexts(int32_t code, int16_t value, int32_t longestMs);
     void BringUp(BottomBar* bar, BarState state);
     void RepaintFrame();
     void ShowAbout();

@@ -1,5 +1,6 @@
 #include "ui/KeyMap.h"
 
+#include "editing/Line.h"
 #include "engine/SequencerRow.h"
 #include "song/Instrument.h"
 #include "ui/MainView.h"
@@ -59,8 +60,8 @@ void KeyMap::OnKey(uint8_t pressed, uint32_t code) {
     PressLast(code);
 }
 
-// The popup volume panel that Tab shows and hides comes with the panels;
-// until then Tab only keeps its own state.
+// Tab shows and hides the popup volume panel; the window follows on the GUI
+// thread.
 void KeyMap::PressAlways(uint32_t code) {
     if (const int32_t digit = NumpadDigit(code)) {
         view->dropFilterKey = static_cast<uint8_t>(digit);
@@ -78,6 +79,10 @@ void KeyMap::PressAlways(uint32_t code) {
         break;
     case Tab:
         popupShown = !popupShown;
+        if (popupShown)
+            view->ShowPopupVolumePanel();
+        else
+            view->HidePopupVolumePanel();
         break;
     case S:
         view->AskFrame(FrameAsk::ToggleViewBar);
@@ -113,14 +118,39 @@ void KeyMap::PressNothingHighlighted(uint32_t code) {
         view->Current()->GetSequencer()->SetCueMode(static_cast<int32_t>(code - F5));
 }
 
-// Deleting, nudging, copying, cutting and filling the selection come with
-// the line's selections; a line is only highlighted for keys once it holds
-// one, so until then only the bar and the cue keys act here.
+// The line that holds the selection is the engine's highlighted line.
 void KeyMap::PressLine(uint32_t code) {
-    if (code == Escape || code == Back)
+    Line* line = static_cast<Line*>(engine->highlightedLine);
+    switch (code) {
+    case Escape:
+    case Back:
+        line->DeleteSelection();
         view->AskFrame(FrameAsk::EmptyBar);
-    else if (IsCueKey(code))
-        view->Current()->GetSequencer()->SetCueMode(static_cast<int32_t>(code - F5));
+        break;
+    case Left:
+    case Right:
+        line->Nudge(code == Left ? -1 : 1);
+        break;
+    case RControl:
+        line->Nudge(-2);
+        break;
+    case Numpad0:
+        line->Nudge(2);
+        break;
+    case C:
+    case X:
+        if (controlDown)
+            view->OnSelectionKey(code);
+        break;
+    case Multiply:
+    case Decimal:
+        view->OnSelectionKey(code);
+        break;
+    default:
+        if (IsCueKey(code))
+            view->Current()->GetSequencer()->SetCueMode(static_cast<int32_t>(code - F5));
+        break;
+    }
 }
 
 // Each highlighted sequencer in list order; the list is read anew at each

@@ -17,13 +17,10 @@ namespace {
 int32_t instrumentsNamed = 0;
 // The measure count of the current pattern last seen by PatternLengthChanged.
 int32_t measuresSeen = 0;
-
-int32_t Trunc(double v) {
-    return static_cast<int32_t>(v);
-}
 } // namespace
 
 MainView::MainView(ViewHost* h) : slots(15), host(h) {
+    rowList.panel = &popupVolumePanel;
     NewInstrument();
     instruments[0]->SetLevel(0, FirstInstrumentLevel);
 }
@@ -66,6 +63,9 @@ void MainView::AddInstrument(Instrument* instrument) {
 void MainView::CloseInstrument() {
     if (instruments.size() < 2)
         return;
+    // A line of the instrument must not stay the keys' target.
+    if (FocusedLine() != nullptr)
+        DropFocus();
     Instrument* gone = Current();
     if (viewMode == LineDetail)
         UnplaceListRows();
@@ -119,6 +119,7 @@ void MainView::RefreshInstrument() {
         SelectZoom2();
     else
         SelectZoom3();
+    RefreshPanelLists();
     Repaint();
 }
 
@@ -148,12 +149,16 @@ void MainView::SetLineWindow(int32_t measures, int32_t first) {
 }
 
 // Zooms 1 and 2 share one remembered position. When a line has the key focus
-// the window follows its selection; lines take the focus by mouse, so until
-// then the remembered position holds.
+// the window goes to where its selection starts, and that is remembered.
 void MainView::SelectZoom12(int32_t mode, int32_t width) {
     zoomMode = mode;
     hScrollBar.SetPage(width);
-    hScrollBar.SetPosition(zoom12Position);
+    if (const Line* line = FocusedLine()) {
+        hScrollBar.SetPosition(line->SelectionMeasure());
+        zoom12Position = hScrollBar.position;
+    } else {
+        hScrollBar.SetPosition(zoom12Position);
+    }
     SetLineWindow(std::min(width, PatternMeasures()), hScrollBar.position);
     host->ScrollBarsChanged();
     Repaint();
@@ -315,128 +320,6 @@ void MainView::SkipAll(int32_t ticks) {
         i->GetSchedule()->playhead.Skip(ticks);
 }
 
-void MainView::ComputeRects(int32_t w, int32_t h) {
-    const int32_t b = Trunc(h * 0.2);
-    const int32_t r = Trunc(w * split);
-    clientRect = Rect{0, 0, w, h};
-    topBandRect = Rect{0, 0, w, b};
-    nameBoxRect = Rect{Trunc(w * 0.02), Trunc(b * 0.2), Trunc(w * 0.22), Trunc(b * 0.75)};
-    topPanelRect = Rect{Trunc(w * 0.225), 0, Trunc(w * 0.8), Trunc(b * 0.74)};
-    const double zoomLefts[3] = {0.81, 0.87, 0.93};
-    for (int i = 0; i < 3; ++i)
-        zoomBoxRects[i] = Rect{Trunc(w * zoomLefts[i]), Trunc(b * 0.25),
-                               Trunc(w * (zoomLefts[i] + 0.05)), Trunc(b * 0.65)};
-    nameColumnRect = Rect{0, b, r, h};
-    rowColumnRect = Rect{r + 4, b, w, h};
-    hScrollRect = Rect{r + 8, Trunc(b * 0.75), w - 4, Trunc(b * 0.96)};
-    const double third = (nameBoxRect.bottom - nameBoxRect.top) * 0.3333333333333333;
-    int32_t top = nameBoxRect.top;
-    int32_t bottom = Trunc(top + third);
-    for (Rect& cell : nameCells) {
-        cell = Rect{nameBoxRect.left, top, nameBoxRect.right, bottom};
-        top = Trunc(top + third);
-        bottom = Trunc(bottom + third);
-    }
-}
-
-void MainView::LayOutSlots() {
-    const int32_t n = slotCount;
-    const int32_t b = topBandRect.bottom;
-    const int32_t h = clientRect.bottom;
-    for (int32_t i = 0; i < n; ++i) {
-        RowSlot& s = slots[i];
-        s.left = 0;
-        s.right = nameColumnRect.right;
-        s.top = Trunc(static_cast<double>(i) / n * (h - b) + b);
-        s.bottom = Trunc(static_cast<double>(i + 1) / n * (h - b) + b);
-    }
-    slotsLaidOut = 1;
-}
-
-void MainView::FillSlots() {
-    const int32_t n = slotCount;
-    if (viewMode != Insts) {
-        for (int32_t i = 0; i < n; ++i) {
-            const int32_t j = rowList.firstVisible + i;
-            RowSlot& s = slots[i];
-            s.visible = j < rowList.Count() ? 1 : 0;
-            if (!s.visible)
-                continue;
-            const RowSlot& e = rowList.entries[j];
-            s.row = e.row;
-            s.type = e.type;
-            s.highlighted = e.highlighted;
-            s.index = e.index;
-        }
-        return;
-    }
-    // Two slots an instrument: its sequencer box and an empty cell. Only
-    // slots inside the array are touched when the count is odd.
-    size_t next = 0;
-    for (int32_t s = 0; s < n; s += 2) {
-        const bool used = next < instruments.size();
-        slots[s].highlighted = 0;
-        slots[s].visible = used ? 1 : 0;
-        if (used) {
-            slots[s].row = instruments[next++]->GetSequencer();
-            slots[s].type = Row::SequencerRowKind;
-            slots[s].index = s;
-        }
-        if (s + 1 < n) {
-            slots[s + 1].highlighted = 0;
-            slots[s + 1].visible = 0;
-        }
-    }
-}
-
-void MainView::PaintTopBand(Canvas& canvas) {
-    canvas.FrameRect(topBandRect, Black);
-    canvas.FrameRect(nameColumnRect, Black);
-    canvas.FillRect(nameBoxRect, White);
-    for (int i = 0; i < 3; ++i) {
-        if (i == 1)
-            canvas.FillRect(nameCells[i], Gray);
-        canvas.Text(nameCells[i], instrumentNames[i].c_str(), CurrentFont, TextLeft, Black);
-        canvas.FrameRect(nameCells[i], Black);
-    }
-    canvas.FillRect(zoomBoxRects[zoomMode - 1], Gray);
-    const char* labels[3] = {"Zm 1", "Zm 2", "Zm 3"};
-    for (int i = 0; i < 3; ++i)
-        canvas.Text(zoomBoxRects[i], labels[i], CurrentFont,
-                    TextSingleLine | TextCenter | TextVCenter, Black);
-    for (const Rect& box : zoomBoxRects)
-        canvas.FrameRect(box, Black);
-    canvas.FrameRect(topPanelRect, Black);
-}
-
-void MainView::Paint(Canvas& canvas, int32_t width, int32_t height) {
-    if (width != clientRect.right || height != clientRect.bottom)
-        slotsLaidOut = 0;
-    ComputeRects(width, height);
-    PaintTopBand(canvas);
-    if (!slotsLaidOut) {
-        LayOutSlots();
-        host->ScrollBarsChanged();
-    }
-    UnplaceListRows();
-    FillSlots();
-    if (theClockDisplay != nullptr)
-        theClockDisplay->Clear();
-    for (const RowSlot& s : slots) {
-        const Rect cell{s.left, s.top, s.right, s.bottom};
-        if (s.visible) {
-            if (s.highlighted)
-                canvas.FillRect(cell, Gray);
-            const char* name = s.row->GetName();
-            canvas.Text(cell, name != nullptr ? name : "", CurrentFont, TextLeft, Black);
-        }
-        canvas.FrameRect(cell, Black);
-    }
-    for (const RowSlot& s : slots)
-        if (s.visible)
-            s.row->Place(Rect{rowColumnRect.left, s.top, rowColumnRect.right, s.bottom}, &canvas);
-}
-
 void MainView::Repaint() {
     FillSlots();
     host->RequestRepaint();
@@ -457,11 +340,21 @@ void MainView::DeleteHighlighted() {
 }
 
 void MainView::DropFocus() {
-    // A focused line loses its selection here once lines have selections.
+    if (Line* line = FocusedLine())
+        line->Unhighlight();
     theEngine->ClearHighlights();
     host->AskFrame(FrameAsk::EmptyBar);
     focusSlot = -1;
     focusKind = -1;
+    fillKeyState = 0;
+}
+
+Line* MainView::FocusedLine() const {
+    if (focusSlot == -1 || focusKind != -1 || focusSlot >= static_cast<int32_t>(slots.size()) ||
+        slots[focusSlot].visible == 0)
+        return nullptr;
+    Row* row = slots[focusSlot].row;
+    return row != nullptr && row->type == Row::LineRow ? static_cast<Line*>(row) : nullptr;
 }
 
 void MainView::FocusSequencer(SequencerRow* sequencer) {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "editing/SamplePanel.h"
+#include "editing/VolumePanel.h"
 #include "song/InstrumentView.h"
+#include "song/PlayPoint.h"
 #include "ui/Canvas.h"
 #include "ui/RowList.h"
 #include "ui/ScrollBar.h"
@@ -26,6 +29,7 @@ enum class FrameAsk : uint8_t {
     DefaultNoteBar,
     SelectionNoteBar,
     LoadWaves,
+    LoadSamples, // into the sample panel's line
 };
 
 // What the view asks of its window. Called with the engine lock held, also
@@ -39,13 +43,15 @@ class ViewHost {
     // The scroll bars or the layout of the window's parts changed.
     virtual void ScrollBarsChanged() = 0;
     virtual void AskFrame(FrameAsk ask, Line* line = nullptr) = 0;
+    // The panels were refilled, shown or hidden.
+    virtual void PanelsChanged() {}
 };
 
 // The view's logic and drawing: the list of open instruments, which one is on
 // the screen, its rows stacked in screen slots, the view modes, the zooms and
 // the two scroll positions. It draws on a Canvas; the window replays that.
 // Every operation runs with the engine lock held.
-class MainView : public InstrumentView {
+class MainView : public InstrumentView, public PanelView {
   public:
     enum Mode : uint8_t { LineDetail = 1, Insts = 2 };
     // The level the first instrument gets at start; every other new or
@@ -65,9 +71,9 @@ class MainView : public InstrumentView {
     void RebuildRowList();
     void RefreshInstrument() override;
     void PatternLengthChanged() override;
-    // Selections on lines come with note editing; until then no line takes
-    // the key focus.
-    void LineSelectionChanged(Line*) override {}
+    // A line got a selection (it takes the key focus and shows it on the
+    // note bar) or lost it (null: the focus is dropped).
+    void LineSelectionChanged(Line* line) override;
     void FocusSequencer(SequencerRow* sequencer) override;
     void AddFocusSequencer(SequencerRow* sequencer) override;
     void DropFocus();
@@ -87,6 +93,26 @@ class MainView : public InstrumentView {
     void SkipAll(int32_t ticks);
     void VerticalScroll(ScrollEvent event, int32_t track);
     void HorizontalScroll(ScrollEvent event, int32_t track);
+    // The panels (ui/MainViewPanels.cpp). Refills every panel from the
+    // model and tells the window.
+    void RefreshPanels() override;
+    // RefreshInstrument, then the names of the top band, after a rename.
+    void RefreshInstrumentAndNames();
+    // The tab key, in the tick: the popup panel with the highlighted lines.
+    void ShowPopupVolumePanel();
+    void HidePopupVolumePanel();
+    void AddHighlightedToPanel();
+    // A right click on a line's name cell: the line alone in the popup panel.
+    void MakePopupLine(Line* line);
+    // Whether line is a line of any open instrument.
+    bool IsLineOfAny(const Line* line) const;
+    // For a drop of files: the line whose name cell holds (x, y), and
+    // whether (x, y) is on an empty row of the name column (Line Detail).
+    Line* NameCellLine(int32_t x, int32_t y) const { return NameColumnLine(x, y); }
+    bool IsEmptyNameCell(int32_t x, int32_t y) const;
+    // Fills the top panel with every instrument and takes lines that are no
+    // longer in any instrument out of the other two panels.
+    void RefreshPanelLists();
     // Fills the screen slots from the model at once, so that hit tests and
     // the key focus see the new rows, and asks the window for a paint.
     void Repaint();
@@ -94,6 +120,20 @@ class MainView : public InstrumentView {
     void AskFrame(FrameAsk ask, Line* line = nullptr) { host->AskFrame(ask, line); }
     void ToggleMute() { rowList.ToggleMute(); }
     void DeleteHighlighted();
+    std::string FilterText() const { return rowList.FilterText(); }
+    void SetFilter(int32_t value) { rowList.SetFilter(value); }
+    // The line a note bar control acts on: yields it once per run, which
+    // restart begins. Returns 1 with outLine set, else 0.
+    int32_t NextNoteTarget(Line*& outLine, bool restart);
+    // A note bar control: the value goes to the target line's selection, or
+    // to its default note while no line has the key focus. Returns the
+    // target, null with none.
+    Line* SetNoteValue(int32_t code, int16_t value);
+    // Audio thread (keys C, X with control, numpad asterisk and period): the
+    // two-key fills and the note clipboard of the focused line.
+    void OnSelectionKey(uint32_t scanCode);
+    // The focused line, null unless a line has the key focus.
+    Line* FocusedLine() const;
     void StepControlGroup(int32_t direction) { rowList.StepControlGroup(direction); }
     int32_t ControlGroup() const { return rowList.ControlGroup(); }
     // Whether line is a row of the current instrument; a line named in a
@@ -121,6 +161,11 @@ class MainView : public InstrumentView {
     uint8_t viewMode = LineDetail;
     uint8_t pasteMode = 0;
     uint8_t dropFilterKey = 0;
+    uint8_t fillKeyState = 0;
+    // The note clipboard: times from the start of the first note's measure,
+    // line 0. Its array only grows, so a copy in the tick rarely allocates.
+    int32_t clipboardCount = 0;
+    std::vector<PlayPoint> clipboardNotes;
     int32_t focusKind = -1;
     int32_t focusSlot = -1;
     int32_t zoom3Position = 0;
@@ -143,6 +188,10 @@ class MainView : public InstrumentView {
     int32_t slotCount = 15;
     std::vector<Instrument*> instruments;
     double split = 0.225;
+    SamplePanel samplePanel{this};
+    VolumePanel popupVolumePanel{this, true};
+    VolumePanel topVolumePanel{this, false};
+    uint8_t popupShown = 0; // the popup panel is on the screen
 
   private:
     void SelectZoom12(int32_t mode, int32_t width);
@@ -170,4 +219,6 @@ class MainView : public InstrumentView {
     Line* NameColumnLine(int32_t x, int32_t y) const;
 
     ViewHost* host;
+    // NextNoteTarget's countdown.
+    int32_t noteTargetCount = 0;
 };

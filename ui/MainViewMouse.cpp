@@ -45,6 +45,11 @@ Line* MainView::NameColumnLine(int32_t x, int32_t y) const {
     return static_cast<Line*>(slots[s].row);
 }
 
+bool MainView::IsEmptyNameCell(int32_t x, int32_t y) const {
+    const int32_t s = SlotAt(y);
+    return viewMode == LineDetail && nameColumnRect.Contains(x, y) && s >= 0 && !slots[s].visible;
+}
+
 void MainView::OnLButtonDown(uint32_t flags, int32_t x, int32_t y) {
     for (int32_t i = 0; i < 3; ++i)
         if (zoomBoxRects[i].Contains(x, y)) {
@@ -113,9 +118,8 @@ void MainView::ClickNameColumn(uint32_t flags, int32_t y) {
     Repaint(); // the new highlight reaches the screen with the bar
 }
 
-// A line takes a held numpad digit (placement on that grid) and the paste
-// keys before a plain press; both come with the line's note editing, and
-// until then a press with either held does nothing.
+// A held numpad digit goes before a held paste key, and a paste key with an
+// empty clipboard makes the press do nothing at all.
 void MainView::ClickRowColumn(uint32_t flags, int32_t x, int32_t y) {
     Row* row = RowColumnHit(x, y, true);
     if (row == nullptr)
@@ -124,9 +128,13 @@ void MainView::ClickRowColumn(uint32_t flags, int32_t x, int32_t y) {
         row->OnLButtonDown(flags, x, y);
         return;
     }
-    if (dropFilterKey != 0 || pasteMode != 0)
-        return;
-    row->OnLButtonDown(flags, x, y);
+    Line* line = static_cast<Line*>(row);
+    if (dropFilterKey != 0)
+        line->DropWithDivision(dropFilterKey, x, y);
+    else if (pasteMode != 0 && clipboardCount > 0)
+        line->PasteAt(pasteMode == 1 ? 1 : 0, clipboardNotes.data(), clipboardCount, x, y);
+    else if (pasteMode == 0)
+        line->OnLButtonDown(flags, x, y);
 }
 
 void MainView::OnLButtonUp(uint32_t flags, int32_t x, int32_t y) {
@@ -135,12 +143,18 @@ void MainView::OnLButtonUp(uint32_t flags, int32_t x, int32_t y) {
 }
 
 // An empty name cell opens the wave file dialog; a line's name cell opens
-// the sample panel, which comes with the panels.
+// the sample panel with the line and its wave file dialog.
 void MainView::OnLButtonDblClk(uint32_t flags, int32_t x, int32_t y) {
     if (nameColumnRect.Contains(x, y)) {
         const int32_t s = SlotAt(y);
-        if (viewMode == LineDetail && flags == Left && s >= 0 && !slots[s].visible)
+        if (viewMode != LineDetail || flags != Left || s < 0)
+            return;
+        if (!slots[s].visible) {
             host->AskFrame(FrameAsk::LoadWaves);
+        } else if (slots[s].type == Row::LineRow) {
+            samplePanel.AttachLine(static_cast<Line*>(slots[s].row));
+            host->AskFrame(FrameAsk::LoadSamples);
+        }
         return;
     }
     Row* row = RowColumnHit(x, y, false);
@@ -148,14 +162,18 @@ void MainView::OnLButtonDblClk(uint32_t flags, int32_t x, int32_t y) {
         row->OnLButtonDblClk(flags, x, y);
 }
 
-// With shift, a right press on a line's name cell opens the sample panel,
-// and a plain one also makes the line the popup volume panel's one entry;
-// both panels come with the panels.
+// With shift, a right press on a line's name cell opens the sample panel;
+// a plain one also makes the line the popup volume panel's one entry,
+// whether that panel is on the screen or not.
 void MainView::OnRButtonDown(uint32_t flags, int32_t x, int32_t y) {
     DropFocus();
     if (Line* line = NameColumnLine(x, y)) {
-        if (flags == Right)
+        if (flags == (Right | Row::Shift)) {
+            samplePanel.AttachLine(line);
+        } else if (flags == Right) {
             host->AskFrame(FrameAsk::DefaultNoteBar, line);
+            MakePopupLine(line);
+        }
         return;
     }
     if (Line* line = LineColumnHit(x, y))
@@ -168,13 +186,20 @@ void MainView::OnRButtonUp(uint32_t flags, int32_t x, int32_t y) {
 }
 
 // On a line's name cell the right double click attaches the sample panel
-// (RightShift) or also loads samples into it (Right); that comes with the
-// panels.
+// (with shift) or also loads samples into it (without).
 void MainView::OnRButtonDblClk(uint32_t flags, int32_t x, int32_t y) {
     if (nameColumnRect.Contains(x, y)) {
         const int32_t s = SlotAt(y);
-        if (viewMode == LineDetail && s >= 0 && !slots[s].visible)
+        if (viewMode != LineDetail || s < 0)
+            return;
+        if (!slots[s].visible) {
             host->AskFrame(FrameAsk::LoadWaves);
+        } else if (slots[s].type == Row::LineRow &&
+                   (flags == Right || flags == (Right | Row::Shift))) {
+            samplePanel.AttachLine(static_cast<Line*>(slots[s].row));
+            if (flags == Right)
+                host->AskFrame(FrameAsk::LoadSamples);
+        }
         return;
     }
     if (Line* line = LineColumnHit(x, y))

@@ -1,6 +1,7 @@
 #include "ui/RowList.h"
 
 #include "editing/Line.h"
+#include "editing/VolumePanel.h"
 
 #include <algorithm>
 
@@ -63,7 +64,7 @@ void RowList::ToggleHighlight(int32_t position) {
 
 // Without an anchor the entry alone is set and the anchor stays unset, so
 // the next shift click again sets one entry. The lines of a downward range
-// also join the popup volume panel, which comes with the panels.
+// also join the popup volume panel, each with the count so far.
 void RowList::HighlightRange(int32_t position) {
     if (!Inside(position))
         return;
@@ -74,8 +75,12 @@ void RowList::HighlightRange(int32_t position) {
     }
     ClearHighlights();
     const int32_t from = std::min(anchor, position), to = std::max(anchor, position);
-    for (int32_t i = from; i <= to; ++i)
+    for (int32_t i = from; i <= to; ++i) {
         Set(i);
+        if (panel != nullptr && anchor < position && entries[i].type == Row::LineRow)
+            panel->AddLine(static_cast<Line*>(entries[i].row),
+                           static_cast<uint8_t>(highlightedCount - 1));
+    }
 }
 
 Line* RowList::FirstHighlightedLine() const {
@@ -130,6 +135,32 @@ void RowList::DeleteHighlighted() {
     for (Line* line : doomed)
         if (Contains(line))
             line->Remove();
+}
+
+std::string RowList::FilterText() const {
+    if (highlightedCount == 0)
+        return "no highlights";
+    std::string text;
+    bool first = true;
+    for (int32_t i = 0; i < count; ++i) {
+        if (!entries[i].highlighted || entries[i].type != Row::LineRow)
+            continue;
+        const char* name = static_cast<Line*>(entries[i].row)->FilterName();
+        if (first)
+            text = name;
+        else if (text != name)
+            return "Multi";
+        first = false;
+    }
+    return text;
+}
+
+void RowList::SetFilter(int32_t value) {
+    if (value != -1 && (value < 1 || value > 8))
+        return;
+    for (int32_t i = 0; i < count; ++i)
+        if (entries[i].highlighted && entries[i].type == Row::LineRow)
+            static_cast<Line*>(entries[i].row)->filter = value == -1 ? 64 : value;
 }
 
 bool RowList::Contains(const Row* row) const {

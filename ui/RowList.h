@@ -3,9 +3,11 @@
 #include "ui/Row.h"
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 class Line;
+class VolumePanel;
 
 // The rows of the current instrument in stack order, with their highlights,
 // the anchor of shift ranges and the first position on the screen. The
@@ -32,6 +34,12 @@ class RowList {
     Line* FirstHighlightedLine() const;
     void UnplaceAll();
     void StepControlGroup(int32_t direction);
+    // The filter name common to the highlighted lines, "Multi" if they
+    // differ, "no highlights" with none highlighted.
+    std::string FilterText() const;
+    // 1 to 8 becomes the filter of each highlighted line, -1 the filter 64;
+    // other values are ignored.
+    void SetFilter(int32_t value);
     // The control group of the first highlighted line; -2 with none.
     int32_t ControlGroup() const;
     void ToggleMute();
@@ -52,6 +60,8 @@ class RowList {
     int32_t count = 0;
     int32_t capacity = StartCapacity;
     std::vector<RowSlot> entries; // capacity places, count in use
+    // The popup volume panel, which a downward shift range adds lines to.
+    VolumePanel* panel = nullptr;
 
   private:
     bool Inside(int32_t position) const { return position >= 0 && position < count; }

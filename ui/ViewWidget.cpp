@@ -86,6 +86,10 @@ void ViewWidget::Poll() {
         MirrorScrollBars();
         busy = true;
     }
+    if (panelsChanged.exchange(false)) {
+        SyncPanels();
+        busy = true;
+    }
     if (theClockDisplay != nullptr && theClockDisplay->TakeFrame(clocks)) {
         UpdateClocks();
         busy = true;
@@ -183,6 +187,9 @@ bool ViewWidget::DoFrameAsks() {
         case FrameAsk::LoadWaves:
             frame->LoadWaves();
             break;
+        case FrameAsk::LoadSamples:
+            frame->LoadSamples();
+            break;
         }
     }
     return any;
@@ -192,7 +199,7 @@ bool ViewWidget::DoFrameAsks() {
 // between minimum and maximum - page + 1, so the mirrored maximum is that.
 void ViewWidget::MirrorScrollBars() {
     ScrollBar h, v;
-    Rect place{};
+    Rect place{}, topPanel{};
     {
         Guard guard(theEngineLock);
         if (view == nullptr)
@@ -200,6 +207,7 @@ void ViewWidget::MirrorScrollBars() {
         h = view->hScrollBar;
         v = view->vScrollBar;
         place = view->hScrollRect;
+        topPanel = view->topPanelRect;
     }
     mirroring = true;
     hBar->setRange(h.minimum, h.maximum - h.page + 1);
@@ -212,6 +220,7 @@ void ViewWidget::MirrorScrollBars() {
     hBar->setGeometry(place.left, place.top, place.right - place.left, place.bottom - place.top);
     vBar->setGeometry(PaintWidth(), place.bottom, vBar->sizeHint().width(),
                       height() - place.bottom);
+    PlacePanels(topPanel);
 }
 
 // The width the view is painted in: the window's, less the vertical bar.
@@ -333,11 +342,23 @@ LineBarFields ViewWidget::LineBarValues(Line* line) {
     Guard guard(theEngineLock);
     if (line == nullptr || !view->HoldsLine(line))
         return LineBarFields{"", "", view->ControlGroup()};
-    return LineBarFields{line->name, "", view->ControlGroup()};
+    return LineBarFields{line->name, line->FilterName(), view->ControlGroup()};
 }
 
 std::string ViewWidget::MultiLineFilterText() {
-    return "";
+    Guard guard(theEngineLock);
+    return view->FilterText();
+}
+
+void ViewWidget::SetFilter(int32_t value) {
+    Guard guard(theEngineLock);
+    view->SetFilter(value);
+}
+
+int32_t ViewWidget::SetNoteValue(int32_t code, int16_t value) {
+    Guard guard(theEngineLock);
+    const Line* line = view->SetNoteValue(code, value);
+    return line != nullptr ? line->LongestSampleMs() : -1;
 }
 
 InstrumentBarFields ViewWidget::InstrumentBarValues() {
@@ -353,11 +374,12 @@ PatternBarFields ViewWidget::PatternBarValues() {
                             bank->patternRow->saveOnSwitch != 0};
 }
 
-NoteBarFields ViewWidget::NoteBarValues(Line* line, bool) {
+NoteBarFields ViewWidget::NoteBarValues(Line* line, bool isSelection) {
     Guard guard(theEngineLock);
     if (line == nullptr)
         return NoteBarFields{PlayPoint{}, 0};
-    return NoteBarFields{line->defaultNote, line->LongestSampleMs()};
+    return NoteBarFields{isSelection ? line->FirstSelectedPoint() : line->defaultNote,
+                         line->LongestSampleMs()};
 }
 
 void ViewWidget::SetTempoAll(double stepMs) {

@@ -9,8 +9,11 @@
 #include <QRegion>
 #include <QWidget>
 #include <atomic>
+#include <functional>
 
 class CMainFrame;
+class SamplePanelWindow;
+class VolumePanelWindow;
 class QScrollBar;
 class QTimer;
 
@@ -58,6 +61,20 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     void RequestRepaint() override { repaintWanted.store(true, std::memory_order_release); }
     void ScrollBarsChanged() override { barsChanged.store(true, std::memory_order_release); }
     void AskFrame(FrameAsk ask, Line* line) override { frameAsks.Push(FrameAskRecord{ask, line}); }
+    void PanelsChanged() override { panelsChanged.store(true, std::memory_order_release); }
+
+    // The panels' windows (ui/ViewWidgetPanels.cpp). The late set-up, once
+    // the frame is shown: the popup panel and the sample panel hidden, the
+    // top panel over the top band.
+    void CreatePanels();
+    // Runs f on the view under the engine lock, then shows the panels as
+    // the model now has them.
+    void WithViewLocked(const std::function<void(MainView&)>& f);
+    // Copies the panels under the lock and shows the copies.
+    void SyncPanels();
+    VolumePanelWindow* TopPanelWindow() const { return topWindow; }
+    VolumePanelWindow* PopupPanelWindow() const { return popupWindow; }
+    SamplePanelWindow* SamplePanelWin() const { return sampleWindow; }
 
     // FrameCommands: GUI thread.
     void NewInstrument() override;
@@ -79,7 +96,20 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     void DeleteHighlighted() override;
     void StepControlGroup(int32_t direction) override;
     int32_t ControlGroup() override;
+    void SetFilter(int32_t value) override;
+    int32_t SetNoteValue(int32_t code, int16_t value) override;
     WaveStatus LoadWaveAsLine(const std::string& path, const std::string& name) override;
+    WaveStatus LoadWaveIntoLine(Line* line, const std::string& path, const std::string& name,
+                                bool& full) override;
+    Line* SamplePanelLine() override;
+    DropPlace DropPlaceAt(int32_t x, int32_t y, Line*& line) override;
+    void LoadInstrumentFile(const std::string& path, std::vector<MissingWave>& missing) override;
+    Instrument* CurrentInstrument() override;
+    std::string InstrumentName() override;
+    void EndRename(const std::string* name) override;
+    void InstrumentSpin(int32_t control, int32_t direction) override;
+    void PatternCommand(PatternAction action) override;
+    void SetSaveOnSwitch(bool on) override;
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -88,6 +118,9 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    // The panels leave the screen with the view, so that closing the frame
+    // ends the program.
+    void hideEvent(QHideEvent* event) override;
 
   private:
     void Poll();
@@ -99,6 +132,7 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     bool DoFrameAsks();
     void UpdateClocks();
     int PaintWidth() const;
+    void PlacePanels(const Rect& topPanel);
 
     MainView* view = nullptr;
     CMainFrame* frame = nullptr;
@@ -114,6 +148,10 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     bool mirroring = false;
     std::atomic<bool> repaintWanted{false};
     std::atomic<bool> barsChanged{false};
+    std::atomic<bool> panelsChanged{false};
+    VolumePanelWindow* popupWindow = nullptr;
+    SamplePanelWindow* sampleWindow = nullptr;
+    VolumePanelWindow* topWindow = nullptr;
     // What the view asked of the frame, pushed by whoever holds the engine
     // lock and taken by the GUI thread's poll. A full ring drops the ask:
     // the next one brings the bar up to date.

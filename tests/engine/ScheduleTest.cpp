@@ -34,53 +34,29 @@ TEST_P(Firing, NotesSoundOnTheirTicksEveryPass) {
     EXPECT_LT(f.schedule.playhead.position, f.schedule.lengthTicks);
 }
 
+// Rows: name, compiled tempo, later tempo (0: none), stopped, points, units, ticks run, fired.
+// clang-format off
 INSTANTIATE_TEST_SUITE_P(
     Patterns, Firing,
     testing::Values(
         // 65 units is 101.56 ticks; 64 and 65 land one tick apart.
-        FiringCase{"everyPass",
-                   500.0,
-                   0.0,
-                   false,
-                   {{0, 0}, {64, 1}, {65, 2}, {256, 3}},
-                   512,
-                   1600,
+        FiringCase{"everyPass", 500, 0, false, {{0, 0}, {64, 1}, {65, 2}, {256, 3}}, 512, 1600,
                    {{0, 0}, {100, 1}, {101, 2}, {400, 3}, {800, 0}, {900, 1}, {901, 2}, {1200, 3}}},
-        FiringCase{"oneTickInListOrder",
-                   500.0,
-                   0.0,
-                   false,
-                   {{10, 3}, {10, 1}, {10, 2}},
-                   512,
-                   1600,
+        FiringCase{"oneTickInListOrder", 500, 0, false, {{10, 3}, {10, 1}, {10, 2}}, 512, 1600,
                    {{15, 3}, {15, 1}, {15, 2}, {815, 3}, {815, 1}, {815, 2}}},
         // 250 BPM: one unit is 0.75 ticks.
-        FiringCase{
-            "unitsShareATick", 240.0, 0.0, false, {{1, 0}, {2, 1}}, 256, 2, {{0, 0}, {1, 1}}},
-        FiringCase{"waitsForTheNextPass",
-                   500.0,
-                   0.0,
-                   false,
-                   {{64, 0}, {128, 1}},
-                   512,
-                   910,
+        FiringCase{"unitsShareATick", 240, 0, false, {{1, 0}, {2, 1}}, 256, 2, {{0, 0}, {1, 1}}},
+        FiringCase{"waitsForTheNextPass", 500, 0, false, {{64, 0}, {128, 1}}, 512, 910,
                    {{100, 0}, {200, 1}, {900, 0}}},
-        FiringCase{"stopped", 500.0, 0.0, true, {{0, 0}}, 512, 900, {}},
+        FiringCase{"stopped", 500, 0, true, {{0, 0}}, 512, 900, {}},
         // The tempo's rounded length falls short of the last unit's tick.
-        FiringCase{"tempoNeverStrandsTheLast",
-                   500.0,
-                   60000.0 / 130,
-                   false,
-                   {{0, 0}, {1023, 1}},
-                   1024,
-                   2944,
-                   {{0, 0}, {1471, 1}, {1472, 0}, {2943, 1}}},
+        FiringCase{"tempoNeverStrandsTheLast", 500, 60000.0 / 130, false, {{0, 0}, {1023, 1}},
+                   1024, 2944, {{0, 0}, {1471, 1}, {1472, 0}, {2943, 1}}},
         // Shorter than a tick: the pattern still wraps, once a tick.
-        FiringCase{
-            "oneUnitCompiledFast", 240.0, 0.0, false, {{0, 0}}, 1, 3, {{0, 0}, {1, 0}, {2, 0}}},
-        FiringCase{
-            "oneUnitMadeFast", 500.0, 240.0, false, {{0, 0}}, 1, 3, {{0, 0}, {1, 0}, {2, 0}}}),
+        FiringCase{"oneUnitCompiledFast", 240, 0, false, {{0, 0}}, 1, 3, {{0, 0}, {1, 0}, {2, 0}}},
+        FiringCase{"oneUnitMadeFast", 500, 240, false, {{0, 0}}, 1, 3, {{0, 0}, {1, 0}, {2, 0}}}),
     [](const testing::TestParamInfo<FiringCase>& i) { return std::string(i.param.name); });
+// clang-format on
 
 // Records the position at each notification and can switch pattern there.
 struct Switcher : SequencerRow {
@@ -201,5 +177,65 @@ TEST(Schedule, EditsMatchTimeAndLine) {
     EXPECT_EQ(left, (Points{{15, 2}, {15, 3}, {46, 3}}));
     EXPECT_EQ(f.schedule.events[0].volume, -300);
 }
+
+// A batch of one line's points, live, against the same points one by one:
+// entries, ticks, capacity and what the walker then plays must agree.
+struct ScheduleBatchCase {
+    const char* name;
+    std::vector<std::pair<int32_t, int>> playing;
+    std::vector<int32_t> batch; // times on line 1
+    bool replace;
+};
+
+class ScheduleBatch : public testing::TestWithParam<ScheduleBatchCase> {};
+
+TEST_P(ScheduleBatch, SameAsOneByOne) {
+    const ScheduleBatchCase& c = GetParam();
+    ScheduleFixture one, all;
+    one.Play(c.playing, 512);
+    all.Play(c.playing, 512);
+    one.Run(100);
+    all.Run(100);
+    std::vector<PlayPoint> batch;
+    for (int32_t t : c.batch) {
+        PlayPoint p = ScheduleFixture::Point(t, 1);
+        p.volume = -5;
+        batch.push_back(p);
+        c.replace ? one.schedule.ReplacePoint(p) : one.schedule.InsertPoint(p);
+    }
+    all.schedule.InsertPoints(batch.data(), static_cast<int32_t>(batch.size()), c.replace);
+    ASSERT_EQ(all.schedule.count, one.schedule.count);
+    EXPECT_EQ(all.schedule.capacity, one.schedule.capacity);
+    for (int32_t i = 0; i < one.schedule.count; ++i) {
+        EXPECT_EQ(all.schedule.ticks[i], one.schedule.ticks[i]) << i;
+        EXPECT_EQ(all.schedule.events[i].line, one.schedule.events[i].line) << i;
+        EXPECT_EQ(all.schedule.events[i].volume, one.schedule.events[i].volume) << i;
+    }
+    one.Run(1600);
+    all.Run(1600);
+    EXPECT_EQ(all.fired, one.fired);
+    // Taking the batch out again leaves the pattern as it was.
+    all.schedule.RemovePoints(batch.data(), static_cast<int32_t>(batch.size()));
+    for (int32_t i = 0; i < all.schedule.count; ++i)
+        EXPECT_NE(all.schedule.events[i].line, 1);
+}
+
+std::vector<int32_t> Spread(int32_t n) {
+    std::vector<int32_t> out;
+    for (int32_t i = 0; i < n; ++i)
+        out.push_back(3 + i * 7);
+    return out;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ScheduleBatch,
+    testing::Values(
+        ScheduleBatchCase{"AheadAndBehindThePlayhead", {{0, 0}, {256, 0}}, {32, 64, 300}, false},
+        ScheduleBatchCase{"GrowsPastTheSpareRoom", {{0, 0}}, Spread(70), false},
+        ScheduleBatchCase{"ReplacesOwnLineBehindOthers",
+                          {{64, 0}, {64, 1}, {128, 2}, {192, 1}},
+                          {64, 128, 192, 200},
+                          true}),
+    [](const auto& info) { return info.param.name; });
 
 } // namespace

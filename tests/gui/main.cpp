@@ -2,7 +2,9 @@
 #include "BarsTest.h"
 #include "CanvasPainterTest.h"
 #include "FrameTest.h"
+#include "InstrumentCommandsTest.h"
 #include "KeyFeedTest.h"
+#include "NoteBarTest.h"
 #include "PartsTest.h"
 #include "ViewWidgetTest.h"
 
@@ -20,10 +22,12 @@ int main(int argc, char** argv) {
     BarCommandsTest barCommands;
     KeyFeedTest keys;
     ViewWidgetTest view;
+    InstrumentCommandsTest instrumentCommands;
+    NoteBarTest noteBar;
     int failed = 0;
     for (QObject* test :
          std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &barCommands, &keys,
-                                         &view})
+                                         &view, &instrumentCommands, &noteBar})
         failed += QTest::qExec(test, argc, argv) != 0;
     return failed;
 }

@@ -29,39 +29,11 @@ void Fill(PlayPointList& list, int32_t n) {
 
 TEST(PlayPointList, BoundDropsPointsAtOrPastIt) {
     PlayPointList list;
-    EXPECT_EQ(list.bound, 512);
     list.Insert(Point(511, 0));
     list.Insert(Point(512, 0));
     list.InsertOrReplace(Point(600, 1));
     EXPECT_EQ(Contents(list), (std::vector<std::pair<int32_t, int>>{{511, 0}}));
 }
-
-struct CapacityCase {
-    int32_t inserted;
-    int32_t removed;
-    int32_t count;
-    int32_t capacity;
-};
-
-class PlayPointListCapacity : public testing::TestWithParam<CapacityCase> {};
-
-TEST_P(PlayPointListCapacity, GrowsAndShrinksInStepsOfTwenty) {
-    const CapacityCase c = GetParam();
-    PlayPointList list;
-    Fill(list, c.inserted);
-    for (int32_t i = 0; i < c.removed; ++i)
-        list.Remove(Point(list.count - 1, 0));
-    EXPECT_EQ(list.count, c.count);
-    EXPECT_EQ(list.capacity, c.capacity);
-    EXPECT_LT(list.count, list.capacity);
-}
-
-INSTANTIATE_TEST_SUITE_P(Steps, PlayPointListCapacity,
-                         testing::Values(CapacityCase{0, 0, 0, 20}, CapacityCase{19, 0, 19, 20},
-                                         CapacityCase{20, 0, 20, 40}, CapacityCase{39, 0, 39, 40},
-                                         CapacityCase{40, 0, 40, 60}, CapacityCase{41, 1, 40, 60},
-                                         CapacityCase{41, 2, 39, 60}, CapacityCase{41, 3, 38, 40},
-                                         CapacityCase{20, 1, 19, 40}, CapacityCase{20, 2, 18, 20}));
 
 TEST(PlayPointList, EqualTimesInsertBeforeAndReplaceBehind) {
     PlayPointList insert;
@@ -110,7 +82,6 @@ TEST(PlayPointList, RangeRemovals) {
     byLine.RemoveRangeOfLine(10, 20, 1);
     EXPECT_EQ(Contents(byLine), (std::vector<std::pair<int32_t, int>>{
                                     {0, 0}, {0, 1}, {10, 0}, {20, 0}, {30, 0}, {30, 1}}));
-    EXPECT_EQ(byLine.capacity, list.capacity);
 
     PlayPointList all(list);
     all.RemoveRange(5, 25);
@@ -194,8 +165,68 @@ TEST(PlayPointList, ClearAndCloseLineGap) {
     Fill(list, 30);
     list.Clear();
     EXPECT_EQ(list.count, 0);
-    EXPECT_EQ(list.capacity, 20);
     EXPECT_EQ(list.bound, 512);
 }
+
+// A list of several lines against a batch of one line's points: the batch
+// insert must leave exactly what inserting the points one by one leaves.
+struct BatchCase {
+    const char* name;
+    std::vector<std::pair<int32_t, int>> existing;
+    std::vector<int32_t> batch; // times on line 1
+    bool replace;
+};
+
+class PlayPointListBatch : public testing::TestWithParam<BatchCase> {};
+
+TEST_P(PlayPointListBatch, SameAsOneByOne) {
+    const BatchCase& c = GetParam();
+    PlayPointList one(1024), all(1024);
+    for (auto [t, l] : c.existing) {
+        PlayPoint p{};
+        p.time = t;
+        p.line = static_cast<uint8_t>(l);
+        p.volume = -1;
+        one.Insert(p);
+        all.Insert(p);
+    }
+    std::vector<PlayPoint> batch;
+    for (int32_t t : c.batch) {
+        PlayPoint p{};
+        p.time = t;
+        p.line = 1;
+        batch.push_back(p);
+        c.replace ? one.InsertOrReplace(p) : one.Insert(p);
+    }
+    all.InsertSorted(batch.data(), static_cast<int32_t>(batch.size()), c.replace);
+    ASSERT_EQ(all.count, one.count);
+    for (int32_t i = 0; i < one.count; ++i) {
+        EXPECT_EQ(all.items[i].time, one.items[i].time) << i;
+        EXPECT_EQ(all.items[i].line, one.items[i].line) << i;
+        EXPECT_EQ(all.items[i].volume, one.items[i].volume) << i;
+    }
+}
+
+std::vector<int32_t> Every(int32_t from, int32_t step, int32_t n) {
+    std::vector<int32_t> out;
+    for (int32_t i = 0; i < n; ++i)
+        out.push_back(from + i * step);
+    return out;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, PlayPointListBatch,
+    testing::Values(
+        BatchCase{"IntoEmpty", {}, Every(0, 10, 45), false},
+        BatchCase{
+            "SameTimesOtherLines", {{10, 0}, {10, 2}, {20, 0}, {500, 3}}, {5, 10, 20, 30}, false},
+        BatchCase{"ReplaceOwnLineAddBehindOthers",
+                  {{10, 0}, {10, 1}, {20, 2}, {20, 1}, {30, 0}},
+                  {10, 20, 25, 30, 40},
+                  true},
+        BatchCase{"PastTheBoundDropped", {{1000, 0}}, {990, 1023, 1024, 2000}, false},
+        BatchCase{"ReplaceAllInPlace", {{0, 1}, {64, 1}, {128, 1}}, {0, 64, 128}, true},
+        BatchCase{"Interleaved", {{1, 0}, {3, 0}, {5, 0}, {7, 0}}, Every(0, 2, 30), true}),
+    [](const auto& info) { return info.param.name; });
 
 } // namespace

@@ -1,0 +1,30 @@
+# Sourced by the real-program tests; $work is their scratch folder.
+
+# start_jack NAME: a private JACK server on the dummy driver at 48 kHz and
+# 256-frame periods, stopped (and $work removed) when the script ends.
+start_jack() {
+    export JACK_NO_AUDIO_RESERVATION=1 JACK_DEFAULT_SERVER="$1"
+    jackd -n "$1" -d dummy -r 48000 -p 256 >"$work/jackd.log" 2>&1 &
+    jack=$!
+    trap 'kill $jack 2>/dev/null || true; rm -rf "$work"' EXIT
+    sleep 1
+}
+
+# program_ports: waits up to ten seconds for the program's output ports,
+# then a second more for it to settle, and lists them in $work/ports.
+program_ports() {
+    for i in $(seq 50); do
+        jack_lsp 2>/dev/null | grep -q "^oxbowlantern:" && break
+        sleep 0.2
+    done
+    sleep 1
+    jack_lsp 2>/dev/null | grep "^oxbowlantern:" >"$work/ports"
+}
+
+# capture SECONDS: records the program's two output ports into
+# $work/capture.wav in the background; $rec is the recorder.
+capture() {
+    jack_rec -f "$work/capture.wav" -d "$1" -b 32 "$(sed -n 1p "$work/ports")" \
+        "$(sed -n 2p "$work/ports")" >"$work/rec.log" 2>&1 &
+    rec=$!
+}
