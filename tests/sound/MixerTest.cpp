@@ -275,7 +275,7 @@ TEST(Voices, SumInVoiceOrderWhateverOrderTheyStartedIn) {
     // start order -1 + 1 comes first and the sum would be 1e-8.
     const float values[] = {1.0f, 1e-8f, -1.0f};
     std::vector<std::vector<float>> outs;
-    for (const std::vector<int> order : {std::vector<int>{0, 1, 2}, std::vector<int>{2, 0, 1}}) {
+    for (const std::vector<int>& order : {std::vector<int>{0, 1, 2}, std::vector<int>{2, 0, 1}}) {
         Mixer mixer;
         std::vector<int32_t> voices;
         for (float value : values)
