@@ -57,10 +57,11 @@ void MonoFrames(float* __restrict out, const T* __restrict data, uint64_t positi
 
 // The low 32 bits of four positions a step apart.
 inline __m128i LowWords(uint64_t position, uint64_t step) {
-    const uint32_t p = static_cast<uint32_t>(position);
-    const uint32_t s = static_cast<uint32_t>(step);
-    return _mm_setr_epi32(static_cast<int32_t>(p), static_cast<int32_t>(p + s),
-                          static_cast<int32_t>(p + 2 * s), static_cast<int32_t>(p + 3 * s));
+    const auto low = [](uint64_t value) {
+        return static_cast<int32_t>(static_cast<uint32_t>(value));
+    };
+    return _mm_setr_epi32(low(position), low(position + step), low(position + 2 * step),
+                          low(position + 3 * step));
 }
 
 // Fraction of four positions from their low words, rounded as Fraction
@@ -143,7 +144,7 @@ int32_t StereoWide(float* out, const T* data, uint64_t& position, uint64_t step,
     const float left = gainLeft * Scale(data);
     const float right = gainRight * Scale(data);
     const __m128 gain = _mm_setr_ps(left, right, left, right);
-    const __m128i advance = _mm_set1_epi32(static_cast<int32_t>(static_cast<uint32_t>(step) * 4u));
+    const __m128i advance = _mm_set1_epi32(static_cast<int32_t>(static_cast<uint32_t>(step * 4)));
     __m128i low = LowWords(position, step);
     int32_t i = 0;
     for (; i + 4 <= n; i += 4) {
@@ -165,7 +166,7 @@ int32_t MonoWide(float* out, const T* data, uint64_t& position, uint64_t step, i
     const float left = gainLeft * Scale(data);
     const float right = gainRight * Scale(data);
     const __m128 gain = _mm_setr_ps(left, right, left, right);
-    const __m128i advance = _mm_set1_epi32(static_cast<int32_t>(static_cast<uint32_t>(step) * 4u));
+    const __m128i advance = _mm_set1_epi32(static_cast<int32_t>(static_cast<uint32_t>(step * 4)));
     __m128i low = LowWords(position, step);
     int32_t i = 0;
     for (; i + 4 <= n; i += 4) {
