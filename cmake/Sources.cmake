@@ -12,6 +12,7 @@ set(CORE_SOURCES
     engine/OfflineOutput.cpp
     engine/AudioOutput.cpp
     engine/JackOutput.cpp
+    engine/MidiClock.cpp
     engine/RtAudioOutput.cpp
     engine/OutputKeeper.cpp
     engine/ClockDisplay.cpp
