@@ -13,6 +13,7 @@ set(CORE_SOURCES
     engine/AudioOutput.cpp
     engine/JackOutput.cpp
     engine/MidiClock.cpp
+    engine/JackTransport.cpp
     engine/RtAudioOutput.cpp
     engine/OutputKeeper.cpp
     engine/ClockDisplay.cpp
@@ -44,4 +45,5 @@ set(CORE_SOURCES
     song/InstrumentFile.cpp
     engine/RenderOptions.cpp
     engine/RenderCommand.cpp
+    engine/SyncSwitches.cpp
 )

@@ -77,7 +77,13 @@ bool JackOutput::Open() {
         return false;
     }
     ConnectToPlayback();
+    transport.Attach(client);
     return true;
+}
+
+void JackOutput::SetSync(bool midiClock, bool transportMaster) {
+    clockOn.store(midiClock, std::memory_order_relaxed);
+    transport.Want(transportMaster);
 }
 
 // The left port goes to the first playback port and the right one to the
@@ -98,6 +104,7 @@ void JackOutput::Stop() {
     if (client == nullptr)
         return;
     if (!lost.load(std::memory_order_acquire)) {
+        transport.Detach();
         jack_deactivate(client);
         jack_client_close(client);
     } else {
@@ -105,6 +112,7 @@ void JackOutput::Stop() {
         // gone starts no period, so at most the one under way ends here.
         for (int i = 0; i < 100 && processing.load(std::memory_order_acquire); ++i)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        transport.Attach(nullptr);
     }
     callback->SetTickObserver(nullptr, nullptr);
     client = nullptr;
@@ -146,12 +154,14 @@ int JackOutput::Process(jack_nframes_t frames, void* arg) {
 }
 
 // Audio thread, engine lock held (the callback's tick observer): the clock
-// follows the first instrument's playhead.
+// and the transport follow the first instrument's playhead.
 void JackOutput::OnTick(void* arg, int64_t tick) {
     Engine* engine = theEngine;
     const Playhead* first =
         engine != nullptr && engine->playheadCount > 0 ? engine->playheads[0] : nullptr;
-    static_cast<JackOutput*>(arg)->clock.AfterTick(tick, first);
+    JackOutput& self = *static_cast<JackOutput*>(arg);
+    self.clock.AfterTick(tick, first);
+    self.transport.AfterTick(tick, first);
 }
 
 // Audio thread: one byte into the period's MIDI buffer.

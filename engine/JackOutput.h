@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/AudioOutput.h"
+#include "engine/JackTransport.h"
 #include "engine/MidiClock.h"
 
 #include <atomic>
@@ -36,8 +37,9 @@ class JackOutput : public AudioOutput {
     bool Lost() override { return lost.load(std::memory_order_acquire); }
     std::string Failure() const override { return failure; }
 
-    // Any thread: MIDI clock on "midi out" from the next period on.
-    void SendClock(bool on) { clockOn.store(on, std::memory_order_relaxed); }
+    void SetSync(bool midiClock, bool transportMaster) override;
+    void FollowSync() override { transport.Follow(); }
+    std::string SyncNote() const override { return transport.Note(); }
 
   private:
     // Frames rendered at a time into the interleaved scratch buffer.
@@ -62,6 +64,7 @@ class JackOutput : public AudioOutput {
     std::atomic<bool> processing{false}; // while Process runs
     std::atomic<bool> clockOn{false};
     MidiClock clock;
+    JackTransport transport;
     std::string failure;
     float scratch[2 * ChunkFrames] = {};
 };

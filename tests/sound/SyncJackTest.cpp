@@ -1,6 +1,7 @@
-// MIDI clock through the program's own JACK output on a real server (the
-// dummy driver): a client of the test records "midi out" with the frame of
-// every byte while the first instrument starts, plays and stops.
+// MIDI clock and the JACK transport through the program's own JACK output on
+// a real server (the dummy driver): a client of the test records "midi out"
+// with the frame of every byte, and reads the transport, while the first
+// instrument starts, plays and stops.
 #include "ClickKit.h"
 #include "JackServerKit.h"
 
@@ -13,6 +14,7 @@
 #include <jack/midiport.h>
 
 #include <atomic>
+#include <functional>
 #include <mutex>
 #include <vector>
 
@@ -61,6 +63,15 @@ class MidiRecorder {
     std::atomic<int32_t> count{0}, periodCount{0};
 };
 
+void UnderLock(const std::function<void()>& f) {
+    std::lock_guard<EngineMutex> guard(theEngineLock);
+    f();
+}
+
+void StartFirst(Schedule& s) {
+    UnderLock([&] { s.playhead.StartAt(0, s.lengthTicks, s.ticks, s.events); });
+}
+
 TEST(JackServer, MidiClockPulsesArriveOnTheirFrames) {
     JackServer server;
     ASSERT_GT(server.pid, 0);
@@ -75,21 +86,14 @@ TEST(JackServer, MidiClockPulsesArriveOnTheirFrames) {
     theEngine = &kit.engine;
     AudioCallback callback(&kit.engine, mixer);
     JackOutput output;
-    output.SendClock(true);
+    output.SetSync(true, false);
     ASSERT_TRUE(output.Start(callback));
     ASSERT_EQ(jack_connect(client, "oxbowlantern:midi out", "oxmidi:in"), 0);
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
 
-    const auto underLock = [](auto f) {
-        std::lock_guard<EngineMutex> guard(theEngineLock);
-        f();
-    };
-    underLock([&] {
-        Schedule& s = kit.schedule;
-        s.playhead.StartAt(0, s.lengthTicks, s.ticks, s.events);
-    });
+    StartFirst(kit.schedule);
     std::this_thread::sleep_for(std::chrono::milliseconds(1500));
-    underLock([&] { kit.schedule.Stop(); });
+    UnderLock([&] { kit.schedule.Stop(); });
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
     output.Stop();
     theEngine = nullptr;
@@ -127,6 +131,61 @@ TEST(JackServer, MidiClockPulsesArriveOnTheirFrames) {
     if (!across(e[0].first, e[n - 1].first)) {
         EXPECT_EQ((e[n - 1].first - e[0].first) % 240, 0);
     }
+}
+
+// The program leads the transport: it rolls while the first instrument plays,
+// with bars of 4 steps at its tempo; a master already there keeps it.
+TEST(JackServer, TransportFollowsTheFirstInstrumentUnlessAnotherLeads) {
+    JackServer server;
+    jack_client_t* client = server.Connect("oxtransport");
+    ASSERT_NE(client, nullptr) << "jackd -n " << server.name << " did not come up";
+    jack_activate(client);
+
+    Mixer mixer;
+    ClickKit kit(mixer, Rate, {ClickKit::Note(0, 0)}, 256);
+    kit.schedule.Stop();
+    theEngine = &kit.engine;
+    AudioCallback callback(&kit.engine, mixer);
+    JackOutput output;
+    output.SetSync(false, true);
+    ASSERT_TRUE(output.Start(callback));
+    EXPECT_EQ(output.SyncNote(), "JACK transport master");
+
+    const auto settle = [&] {
+        for (int i = 0; i < 10; ++i) {
+            output.FollowSync();
+            std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        }
+    };
+    StartFirst(kit.schedule);
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    settle(); // 0.8 s in: beat 2 (1.6 beats) of bar 1 at 120 BPM
+    jack_position_t pos;
+    EXPECT_EQ(jack_transport_query(client, &pos), JackTransportRolling);
+    ASSERT_NE(pos.valid & JackPositionBBT, 0);
+    EXPECT_EQ(pos.beats_per_minute, 120.0);
+    EXPECT_EQ(pos.beats_per_bar, 4.0f);
+    EXPECT_EQ(pos.ticks_per_beat, 1920.0);
+    EXPECT_EQ(pos.bar, 1);
+    EXPECT_GE(pos.beat, 2); // later on a loaded machine
+    EXPECT_LE(pos.beat, 3);
+    UnderLock([&] { kit.schedule.Stop(); });
+    settle();
+    EXPECT_EQ(jack_transport_query(client, &pos), JackTransportStopped);
+    output.Stop();
+
+    // Another master first: the program says so and plays on.
+    jack_set_timebase_callback(
+        client, 0, [](jack_transport_state_t, jack_nframes_t, jack_position_t*, int, void*) {},
+        nullptr);
+    ASSERT_TRUE(output.Start(callback));
+    EXPECT_EQ(output.SyncNote(), "Another JACK timebase master leads the transport");
+    const uint64_t before = callback.FramesRendered();
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    EXPECT_GT(callback.FramesRendered(), before);
+    output.Stop();
+    theEngine = nullptr;
+    jack_client_close(client);
 }
 
 } // namespace
