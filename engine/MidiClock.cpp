@@ -14,14 +14,16 @@ void MidiClock::Prepare(int32_t sampleRate, Writer w, void* c) {
     rate = sampleRate;
     writer = w;
     context = c;
-    active = false;
     inPeriod = false;
+    playing = false;
+    periodStart = 0;
+    periodFrames = 0;
 }
 
 void MidiClock::BeginPeriod(int64_t frame, int32_t frames) {
-    if (!active)
+    // Periods went by without the clock: it starts afresh.
+    if (frame != periodStart + periodFrames)
         playing = false;
-    active = true;
     inPeriod = true;
     periodStart = frame;
     periodFrames = frames;

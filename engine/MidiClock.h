@@ -62,7 +62,6 @@ class MidiClock {
     void* context = nullptr;
 
     bool inPeriod = false; // between BeginPeriod and EndPeriod
-    bool active = false;   // the last period ran the clock
     int64_t periodStart = 0;
     int32_t periodFrames = 0;
     int32_t lastOffset = 0;
