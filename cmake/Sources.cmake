@@ -6,6 +6,7 @@ set(CORE_SOURCES
     engine/Engine.cpp
     engine/SoundBuffer.cpp
     engine/Mixer.cpp
+    engine/MixLoops.cpp
     engine/WaveFile.cpp
     engine/SoundSystem.cpp
     engine/AudioCallback.cpp

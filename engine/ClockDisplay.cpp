@@ -42,7 +42,11 @@ void ClockDisplay::Update(const int32_t* measures, const int32_t* beats,
         for (int32_t c = 0; c < count && pending.count < MaxCells; ++c)
             if (ids[c] == instrumentIds[i])
                 pending.texts[pending.count++] = ClockText{rects[c], measures[i], beats[i]};
-    frames.Push(pending);
+    if (pending.count == sent.count &&
+        std::memcmp(pending.texts, sent.texts, sizeof(ClockText) * pending.count) == 0)
+        return;
+    if (frames.Push(pending))
+        sent = pending;
 }
 
 bool ClockDisplay::TakeFrame(ClockFrame& frame) {

@@ -51,10 +51,21 @@ class Engine {
     void OnKeyEvent(uint8_t pressed, uint32_t scanCode);
 
     // The key feed's one producing thread (the GUI thread or its X thread),
-    // lock-free: queues a key event for the tick.
+    // lock-free: queues a key event for the tick, then calls the key wake.
     // False when the queue is full and the event is lost.
     bool PostKey(uint8_t pressed, uint32_t scanCode) {
-        return keyQueue.Push(KeyEvent{pressed, scanCode});
+        const bool queued = keyQueue.Push(KeyEvent{pressed, scanCode});
+        if (keyWake != nullptr)
+            keyWake(keyWakeContext);
+        return queued;
+    }
+
+    // Set before the key feed starts: called on the posting thread after
+    // every key, so that the GUI, which polls slowly at rest, looks at once
+    // for what the key's tick will ask of it.
+    void SetKeyWake(void (*wake)(void*), void* context) {
+        keyWake = wake;
+        keyWakeContext = context;
     }
 
     // One tick: every playhead advances, up to three queued key events run,
@@ -90,6 +101,8 @@ class Engine {
 
     SpscRing<KeyEvent, 256> keyQueue;
     KeyTarget* keyTarget = nullptr;
+    void (*keyWake)(void*) = nullptr;
+    void* keyWakeContext = nullptr;
     ClockDisplay* clockDisplay = nullptr;
     uint8_t keyBusy = 0;
 };

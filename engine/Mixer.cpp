@@ -1,5 +1,7 @@
 #include "engine/Mixer.h"
 
+#include "engine/MixLoops.h"
+
 #include <cmath>
 #include <cstring>
 
@@ -10,34 +12,6 @@ float Attenuation(int32_t hundredthsDb) {
     if (hundredthsDb <= -10000)
         return 0.0f;
     return static_cast<float>(std::pow(10.0, hundredthsDb / 2000.0));
-}
-
-// Audio thread: adds n frames of a stereo sample, linearly interpolated, from
-// position onward. The caller guarantees every read frame lies before the pad's end.
-void MixStereo(float* __restrict out, const float* __restrict data, uint64_t position,
-               uint64_t step, int32_t n, float gainLeft, float gainRight) {
-    for (int32_t i = 0; i < n; ++i) {
-        const float* s = data + 2 * (position >> 32);
-        const float frac = static_cast<float>(static_cast<uint32_t>(position)) * 0x1p-32f;
-        const float left = s[0] + frac * (s[2] - s[0]);
-        const float right = s[1] + frac * (s[3] - s[1]);
-        out[2 * i] += gainLeft * left;
-        out[2 * i + 1] += gainRight * right;
-        position += step;
-    }
-}
-
-// Audio thread: as MixStereo, for a mono sample heard on both sides.
-void MixMono(float* __restrict out, const float* __restrict data, uint64_t position, uint64_t step,
-             int32_t n, float gainLeft, float gainRight) {
-    for (int32_t i = 0; i < n; ++i) {
-        const float* s = data + (position >> 32);
-        const float frac = static_cast<float>(static_cast<uint32_t>(position)) * 0x1p-32f;
-        const float value = s[0] + frac * (s[1] - s[0]);
-        out[2 * i] += gainLeft * value;
-        out[2 * i + 1] += gainRight * value;
-        position += step;
-    }
 }
 
 } // namespace
@@ -143,6 +117,9 @@ void Mixer::Grow(VoiceTable* grown) {
     VoiceTable* old = table;
     for (int32_t i = 0; i < old->capacity; ++i)
         grown->voices[i] = old->voices[i];
+    for (int32_t i = 0; i < old->playingCount; ++i)
+        grown->playing[i] = old->playing[i];
+    grown->playingCount = old->playingCount;
     grown->previous = old->previous;
     old->previous = nullptr;
     table = grown;
@@ -161,6 +138,8 @@ void Mixer::Apply(const MixerCommand& c) {
     Voice& v = table->voices[c.voice];
     switch (c.kind) {
     case MixerCommand::Attach:
+        if (v.playing)
+            Unlist(c.voice);
         v = Voice{};
         v.sample = static_cast<SampleData*>(c.data);
         Retune(v);
@@ -168,6 +147,8 @@ void Mixer::Apply(const MixerCommand& c) {
     case MixerCommand::Release:
         if (v.sample == nullptr)
             return;
+        if (v.playing)
+            Unlist(c.voice);
         v.playing = false;
         {
             SampleData* sample = v.sample;
@@ -176,8 +157,10 @@ void Mixer::Apply(const MixerCommand& c) {
         }
         return;
     case MixerCommand::Play:
-        if (v.sample != nullptr)
+        if (v.sample != nullptr && !v.playing) {
             v.playing = true;
+            List(c.voice);
+        }
         return;
     case MixerCommand::SetPosition: {
         if (v.sample == nullptr || c.value < 0)
@@ -217,20 +200,46 @@ void Mixer::Apply(const MixerCommand& c) {
     v.gainRight = gain * Attenuation(v.pan < 0 ? v.pan : 0);
 }
 
+// Audio thread: enters a voice that starts playing in the list of playing
+// voices, which stays in the order of the voice numbers so that the voices
+// are summed in the same order whenever they started.
+void Mixer::List(int32_t voice) {
+    int32_t* list = table->playing;
+    int32_t at = table->playingCount++;
+    for (; at > 0 && list[at - 1] > voice; --at)
+        list[at] = list[at - 1];
+    list[at] = voice;
+}
+
+// Audio thread: takes a voice that stops playing out of the list.
+void Mixer::Unlist(int32_t voice) {
+    int32_t* list = table->playing;
+    int32_t kept = 0;
+    for (int32_t i = 0; i < table->playingCount; ++i)
+        if (list[i] != voice)
+            list[kept++] = list[i];
+    table->playingCount = kept;
+}
+
+// Only the playing voices are visited; with none, the output is silence and
+// nothing else is done.
 void Mixer::Mix(float* out, int32_t frames) {
     std::memset(out, 0, sizeof(float) * 2 * static_cast<size_t>(frames));
-    int32_t count = 0;
-    for (int32_t i = 0; i < table->capacity; ++i) {
-        Voice& v = table->voices[i];
-        if (!v.playing)
-            continue;
+    int32_t* list = table->playing;
+    int32_t kept = 0;
+    for (int32_t i = 0; i < table->playingCount; ++i) {
+        Voice& v = table->voices[list[i]];
         const SampleData& s = *v.sample;
         // Output frames left before the position passes the last frame.
         const uint64_t remaining = (static_cast<uint64_t>(s.frames) << 32) - v.position;
         const uint64_t left = (remaining + v.step - 1) / v.step;
         const int32_t n =
             left < static_cast<uint64_t>(frames) ? static_cast<int32_t>(left) : frames;
-        if (s.channels == 2)
+        if (s.words != nullptr && s.channels == 2)
+            MixStereo(out, s.words, v.position, v.step, n, v.gainLeft, v.gainRight);
+        else if (s.words != nullptr)
+            MixMono(out, s.words, v.position, v.step, n, v.gainLeft, v.gainRight);
+        else if (s.channels == 2)
             MixStereo(out, s.samples, v.position, v.step, n, v.gainLeft, v.gainRight);
         else
             MixMono(out, s.samples, v.position, v.step, n, v.gainLeft, v.gainRight);
@@ -240,10 +249,11 @@ void Mixer::Mix(float* out, int32_t frames) {
             v.position = 0;
         } else {
             v.position += v.step * static_cast<uint64_t>(n);
-            ++count;
+            list[kept++] = list[i];
         }
     }
-    sounding.store(count, std::memory_order_relaxed);
+    table->playingCount = kept;
+    sounding.store(kept, std::memory_order_relaxed);
 }
 
 const Voice* Mixer::VoiceAt(int32_t voice) const {

@@ -21,16 +21,23 @@ struct Voice {
     bool playing = false;
 };
 
-// A voice table. A grown table keeps a link to the one it replaced only when
-// that one could not be handed back for freeing (see Mixer::Grow).
+// A voice table, with the numbers of its playing voices in ascending order.
+// A grown table keeps a link to the one it replaced only when that one could
+// not be handed back for freeing (see Mixer::Grow).
 struct VoiceTable {
-    explicit VoiceTable(int32_t size) : voices(new Voice[size]), capacity(size) {}
-    ~VoiceTable() { delete[] voices; }
+    explicit VoiceTable(int32_t size)
+        : voices(new Voice[size]), playing(new int32_t[size]), capacity(size) {}
+    ~VoiceTable() {
+        delete[] voices;
+        delete[] playing;
+    }
     VoiceTable(const VoiceTable&) = delete;
     VoiceTable& operator=(const VoiceTable&) = delete;
 
     Voice* voices;
+    int32_t* playing;
     int32_t capacity;
+    int32_t playingCount = 0;
     VoiceTable* previous = nullptr;
 };
 
@@ -95,6 +102,8 @@ class Mixer {
     void Grow(VoiceTable* grown);
     void Retire(uint8_t kind, int32_t voice, void* data);
     void Retune(Voice& v) const;
+    void List(int32_t voice);
+    void Unlist(int32_t voice);
 
     MixerCommandQueue commands;
     MixerRetiredQueue retired;

@@ -16,6 +16,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -100,42 +101,91 @@ int64_t FramesToRender(const Session& s, const RenderOptions& options) {
     return AudioCallback::TickFrame(longest, options.rate);
 }
 
-void WriteRender(Session& s, const RenderOptions& options, uint32_t frames) {
+// The peak the output is scaled to by --normalize: -1 dBFS.
+constexpr float NormalizedPeak = 0.89125094f;
+
+float PeakOf(const float* samples, size_t n) {
+    float peak = 0.0f;
+    for (size_t i = 0; i < n; ++i)
+        peak = std::max(peak, std::fabs(samples[i]));
+    return peak;
+}
+
+// One render of the options' instruments: loads them, starts them, then
+// hands the number of frames to begin and every period of interleaved float
+// stereo, in order, to period. Returns 0; or 1, with the reason in error,
+// when an instrument file is refused or the output would not fit.
+int Pull(const RenderOptions& options, std::string& error,
+         const std::function<void(uint32_t frames)>& begin,
+         const std::function<void(const float* samples, uint32_t frames)>& period) {
+    Session s;
+    for (const std::string& path : options.files) {
+        s.instruments.push_back(LoadInstrument(path, &s.sounds));
+        Start(s, *s.instruments.back(), options);
+        // No output runs yet, so this thread may drain the mixer's queue,
+        // which a long list of instruments could otherwise fill.
+        s.sounds.GetMixer().ApplyCommands();
+    }
+    const int64_t frames = FramesToRender(s, options);
+    if (frames * 8 > static_cast<int64_t>(UINT32_MAX - HeaderBytes)) {
+        error = options.output +
+                ": that much sound does not fit in one WAV file; ask for fewer seconds";
+        return 1;
+    }
+    begin(static_cast<uint32_t>(frames));
     OfflineOutput output(options.rate, Period);
     AudioCallback callback(&s.engine, s.sounds.GetMixer());
     output.Start(callback);
-    ReplacingFile file(options.output);
-    uint8_t header[HeaderBytes];
-    PutWaveHeader(header, options.rate, frames);
-    file.Write(header, HeaderBytes);
     for (uint32_t done = 0; done < frames;) {
-        const uint32_t n = std::min<uint32_t>(frames - done, Period);
-        file.Write(output.PullPeriod(), sizeof(float) * 2 * n);
+        const uint32_t n = std::min<uint32_t>(static_cast<uint32_t>(frames) - done, Period);
+        period(output.PullPeriod(), n);
         done += n;
     }
     output.Stop();
-    file.Commit();
+    return 0;
 }
 
 } // namespace
 
-int Render(const RenderOptions& options, std::string& error) {
-    Session s;
+int Render(const RenderOptions& options, std::string& error, float* peak) {
     try {
-        for (const std::string& path : options.files) {
-            s.instruments.push_back(LoadInstrument(path, &s.sounds));
-            Start(s, *s.instruments.back(), options);
-            // No output runs yet, so this thread may drain the mixer's queue,
-            // which a long list of instruments could otherwise fill.
-            s.sounds.GetMixer().ApplyCommands();
+        float scale = static_cast<float>(std::pow(10.0, options.gainDb / 20.0));
+        if (options.normalize) {
+            // A first pass finds the peak of the whole render.
+            float found = 0.0f;
+            const int code = Pull(
+                options, error, [](uint32_t) {},
+                [&](const float* samples, uint32_t n) {
+                    found = std::max(found, PeakOf(samples, 2 * static_cast<size_t>(n)));
+                });
+            if (code != 0)
+                return code;
+            if (found > 0.0f)
+                scale *= NormalizedPeak / found;
         }
-        const int64_t frames = FramesToRender(s, options);
-        if (frames * 8 > static_cast<int64_t>(UINT32_MAX - HeaderBytes)) {
-            error = options.output +
-                    ": that much sound does not fit in one WAV file; ask for fewer seconds";
-            return 1;
-        }
-        WriteRender(s, options, static_cast<uint32_t>(frames));
+        std::unique_ptr<ReplacingFile> file;
+        std::vector<float> scaled(2 * static_cast<size_t>(Period));
+        float written = 0.0f;
+        const int code = Pull(
+            options, error,
+            [&](uint32_t frames) {
+                file = std::make_unique<ReplacingFile>(options.output);
+                uint8_t header[HeaderBytes];
+                PutWaveHeader(header, options.rate, frames);
+                file->Write(header, HeaderBytes);
+            },
+            [&](const float* samples, uint32_t n) {
+                const size_t count = 2 * static_cast<size_t>(n);
+                for (size_t i = 0; i < count; ++i)
+                    scaled[i] = samples[i] * scale;
+                written = std::max(written, PeakOf(scaled.data(), count));
+                file->Write(scaled.data(), sizeof(float) * count);
+            });
+        if (code != 0)
+            return code;
+        file->Commit();
+        if (peak != nullptr)
+            *peak = written;
     } catch (const FileError& e) {
         error = e.what();
         return 1;
@@ -160,8 +210,16 @@ int RenderMain(int argc, const char* const* argv) {
         return 0;
     }
     std::string error;
-    const int code = Render(options, error);
+    float peak = 0.0f;
+    const int code = Render(options, error, &peak);
     if (code != 0)
         std::fprintf(stderr, "oxbowlantern: %s\n", error.c_str());
+    else if (peak > 1.0f)
+        // Written as it is: the file holds floats, which keep what is above
+        // full scale; a player or a conversion to integers clips it.
+        std::fprintf(
+            stderr,
+            "oxbowlantern: the output clips: its peak reaches %+.2f dBFS (%.3f of full scale)\n",
+            20.0 * std::log10(peak), peak);
     return code;
 }

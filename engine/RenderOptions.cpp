@@ -26,8 +26,8 @@ bool ReadWhole(const char* text, int32_t low, int32_t high, int32_t& value) {
     return true;
 }
 
-const char* const ValueOptions[] = {"--render", "--pattern", "--seconds",
-                                    "--bpm",    "--rate",    "--level"};
+const char* const ValueOptions[] = {"--render", "--pattern", "--seconds", "--bpm",
+                                    "--rate",   "--level",   "--gain"};
 
 bool IsValueOption(const std::string& name) {
     for (const char* known : ValueOptions)
@@ -61,6 +61,10 @@ bool TakeOption(const std::string& name, const char* value, RenderOptions& o, st
         error = "--rate needs a whole number of frames per second from 8000 to 192000";
         return ReadWhole(value, 8000, 192000, o.rate);
     }
+    if (name == "--gain") {
+        error = "--gain needs a number of dB from -100 to 100";
+        return ReadNumber(value, -100.0, 100.0, o.gainDb);
+    }
     error = "--level needs a number from 0 to 1";
     return ReadNumber(value, 0.0, 1.0, o.level);
 }
@@ -84,6 +88,11 @@ std::string RenderUsage() {
            "  --bpm B       tempo, 30 to 250 beats a minute (default 120)\n"
            "  --rate R      frames per second, 8000 to 192000 (default 48000)\n"
            "  --level L     level of every instrument, 0 to 1 (default 0.9)\n"
+           "  --gain DB     added to the whole output, -100 to 100 dB (default 0); an output\n"
+           "                that goes above full scale is written as it is (in floats), and\n"
+           "                its peak is reported on standard error\n"
+           "  --normalize   scale the output so that its peak is at -1 dBFS, measured over\n"
+           "                the whole render before it is written; --gain then moves it\n"
            "  --help        this text\n"
            "  --version     the program's version\n";
 }
@@ -99,6 +108,10 @@ std::string ParseRenderOptions(int argc, const char* const* argv, RenderOptions&
         const std::string arg = argv[i];
         if (arg.rfind("--", 0) != 0) {
             options.files.push_back(arg);
+            continue;
+        }
+        if (arg == "--normalize") {
+            options.normalize = true;
             continue;
         }
         if (!IsValueOption(arg))

@@ -12,7 +12,9 @@ struct RenderOptions {
     double seconds = 0.0;           // 0: one pass of the longest pattern
     double bpm = 120.0;
     int32_t rate = 48000;
-    double level = 0.9; // each instrument's own level
+    double level = 0.9;     // each instrument's own level
+    double gainDb = 0.0;    // added to the whole output
+    bool normalize = false; // the output's peak put at -1 dBFS, before the gain
     bool help = false;
     bool version = false;
 };

@@ -1,11 +1,14 @@
 #include "engine/WaveFile.h"
 
 #include <algorithm>
+#include <bit>
 #include <climits>
 #include <cstring>
 #include <fstream>
 #include <istream>
 #include <vector>
+
+static_assert(std::endian::native == std::endian::little, "16-bit data is kept as read");
 
 namespace {
 
@@ -111,19 +114,20 @@ WaveStatus ReadFormat(std::istream& in, int64_t total, WaveFormat& format) {
     return WaveStatus::NoFormat;
 }
 
+// 8 and 16-bit samples are kept as 16-bit words: an 8-bit value v becomes
+// (v - 128) x 256, which the mixer hears as (v - 128) / 128.
+void DecodeWords(const unsigned char* from, int16_t* to, std::size_t n, const WaveFormat& f) {
+    if (f.bitsPerSample == 16) {
+        std::memcpy(to, from, 2 * n);
+        return;
+    }
+    for (std::size_t i = 0; i < n; ++i)
+        to[i] = static_cast<int16_t>((static_cast<int32_t>(from[i]) - 128) * 256);
+}
+
+// 24 and 32-bit samples, and floats, as floats.
 void Decode(const unsigned char* from, float* to, std::size_t n, const WaveFormat& f) {
     switch (f.bitsPerSample) {
-    case 8:
-        for (std::size_t i = 0; i < n; ++i)
-            to[i] = static_cast<float>(static_cast<int32_t>(from[i]) - 128) * (1.0f / 128.0f);
-        return;
-    case 16:
-        for (std::size_t i = 0; i < n; ++i) {
-            int16_t v;
-            std::memcpy(&v, from + 2 * i, 2);
-            to[i] = static_cast<float>(v) * (1.0f / 32768.0f);
-        }
-        return;
     case 24:
         for (std::size_t i = 0; i < n; ++i) {
             const unsigned char* p = from + 3 * i;
@@ -157,16 +161,22 @@ WaveStatus ReadData(std::istream& in, uint32_t size, int64_t total, WaveFile& wa
     if (frames > static_cast<uint32_t>(INT32_MAX - SampleData::PadFrames))
         return WaveStatus::OutOfMemory;
     try {
-        wave.sample = std::make_unique<SampleData>(static_cast<int32_t>(frames), f.channels, f.rate,
-                                                   f.blockAlign);
+        const bool words = f.bitsPerSample <= 16;
+        wave.sample = std::make_unique<SampleData>(
+            static_cast<int32_t>(frames), f.channels, f.rate, f.blockAlign,
+            words ? SampleData::Encoding::Int16 : SampleData::Encoding::Float);
         std::vector<unsigned char> scratch(static_cast<std::size_t>(FramesPerRead) * f.blockAlign);
-        float* to = wave.sample->samples;
+        std::size_t at = 0;
         for (uint32_t done = 0; done < frames;) {
             const uint32_t n = std::min(FramesPerRead, frames - done);
             if (!ReadExact(in, scratch.data(), static_cast<std::size_t>(n) * f.blockAlign))
                 return WaveStatus::ShortData;
-            Decode(scratch.data(), to, static_cast<std::size_t>(n) * f.channels, f);
-            to += static_cast<std::size_t>(n) * f.channels;
+            const std::size_t count = static_cast<std::size_t>(n) * f.channels;
+            if (words)
+                DecodeWords(scratch.data(), wave.sample->words + at, count, f);
+            else
+                Decode(scratch.data(), wave.sample->samples + at, count, f);
+            at += count;
             done += n;
         }
         // A part frame at the end is not heard, but the file must hold it.

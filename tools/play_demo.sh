@@ -13,26 +13,33 @@ work=$(mktemp -d)
 . tools/realprogram.sh
 start_jack "oxplay$$"
 
+"$program" --render "$work/render.wav" --seconds 5 resources/demo.nst >/dev/null
+# A second take only when the first missed a frame: a build running beside
+# the test can delay a tick now and then.
 xvfb-run -a -s "-screen 0 1280x800x24" sh -c '
-    program=$0 work=$1
+    program=$0 compare=$1 work=$2
     . tools/realprogram.sh
     "$program" resources/demo.nst >"$work/program.log" 2>&1 &
     app=$!
     program_ports
-    capture 7
-    sleep 1
-    xdotool mousemove 640 400
-    xdotool key grave
-    sleep 0.3
-    xdotool key Return
-    wait $rec || true
+    take() {
+        capture 7
+        sleep 1
+        xdotool mousemove 640 400
+        xdotool key grave
+        sleep 0.3
+        xdotool key Return
+        wait $rec || true
+        xdotool key KP_0
+        "$compare" "$work/capture.wav" "$work/render.wav" 3.9
+    }
+    take || { sleep 1.5; take; }
+    heard=$?
     kill -TERM $app
     wait $app
-' "$program" "$work"
-
-"$program" --render "$work/render.wav" --seconds 5 resources/demo.nst >/dev/null
-if ! "$compare" "$work/capture.wav" "$work/render.wav" 3.9; then
+    exit $heard
+' "$program" "$compare" "$work" || {
     echo "the capture does not match the render; program log:"
     cat "$work/program.log"
     exit 1
-fi
+}

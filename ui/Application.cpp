@@ -106,6 +106,7 @@ int RunApplication(int argc, char** argv) {
         v->RegisterCurrentPlayhead();
         v->RefreshInstrument();
     }
+    theEngine->SetKeyWake([](void* v) { static_cast<ViewWidget*>(v)->Wake(); }, view);
     KeyFeed keys(*theEngine);
     keys.Start();
     view->CreatePanels();

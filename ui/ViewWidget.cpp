@@ -10,6 +10,7 @@
 #include "ui/CMainFrame.h"
 #include "ui/CanvasPainter.h"
 
+#include <QCoreApplication>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -19,6 +20,12 @@
 
 namespace {
 using Guard = std::lock_guard<EngineMutex>;
+
+// The poll's pace: fast while the view has work, slow once this many polls
+// in a row found none.
+constexpr int FastPollMs = 5;
+constexpr int SlowPollMs = 250;
+constexpr int32_t QuietPollsBeforeSlow = 200;
 
 MainView::ScrollEvent EventOf(int action) {
     switch (action) {
@@ -46,7 +53,8 @@ ViewWidget::ViewWidget(QWidget* parent)
     connect(hBar, &QScrollBar::actionTriggered, this, [this](int a) { OnHorizontal(a); });
     connect(vBar, &QScrollBar::actionTriggered, this, [this](int a) { OnVertical(a); });
     connect(poll, &QTimer::timeout, this, [this] { Poll(); });
-    poll->start(5);
+    poll->start(FastPollMs);
+    QCoreApplication::instance()->installEventFilter(this);
 }
 
 ViewWidget::~ViewWidget() {
@@ -69,25 +77,77 @@ void ViewWidget::CreateView() {
 void ViewWidget::Poll() {
     if (view == nullptr)
         return;
-    if (repaintWanted.exchange(false) | canvas.TakeRequest())
+    bool busy = false;
+    if (repaintWanted.exchange(false) | canvas.TakeRequest()) {
         update();
-    if (barsChanged.exchange(false))
+        busy = true;
+    }
+    if (barsChanged.exchange(false)) {
         MirrorScrollBars();
-    if (panelsChanged.exchange(false))
+        busy = true;
+    }
+    if (panelsChanged.exchange(false)) {
         SyncPanels();
-    if (theClockDisplay != nullptr && theClockDisplay->TakeFrame(clocks))
+        busy = true;
+    }
+    if (theClockDisplay != nullptr && theClockDisplay->TakeFrame(clocks)) {
         UpdateClocks();
-    if (frame != nullptr)
-        DoFrameAsks();
+        busy = true;
+    }
+    if (frame != nullptr && DoFrameAsks())
+        busy = true;
     if (theSoundSystem != nullptr)
         theSoundSystem->CollectRetired(); // samples of closed instruments and deleted lines
+    PacePoll(busy);
+}
+
+// Keeps the poll fast while it finds work and slows it after a quiet while;
+// an instrument that plays sends clock frames, which keep it fast. A poll
+// stopped with the view stays stopped.
+void ViewWidget::PacePoll(bool busy) {
+    if (!poll->isActive())
+        return;
+    if (busy) {
+        quietPolls = 0;
+        if (poll->interval() != FastPollMs)
+            poll->start(FastPollMs);
+    } else if (quietPolls < QuietPollsBeforeSlow && ++quietPolls == QuietPollsBeforeSlow) {
+        poll->start(SlowPollMs);
+    }
+}
+
+void ViewWidget::Wake() {
+    QMetaObject::invokeMethod(
+        this, [this] { PacePoll(true); }, Qt::QueuedConnection);
+}
+
+// Watches every event of the application, taking none: user input makes the
+// poll fast, for the requests that the input's handlers leave.
+bool ViewWidget::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::Wheel:
+        PacePoll(true);
+        break;
+    default:
+        break;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 // A line named in an ask may have been deleted since; such an ask shows the
 // bar without a line.
-void ViewWidget::DoFrameAsks() {
+// True when there was one.
+bool ViewWidget::DoFrameAsks() {
     FrameAskRecord r;
+    bool any = false;
     while (frameAsks.Pop(r)) {
+        any = true;
         if (r.line != nullptr) {
             Guard guard(theEngineLock);
             if (!view->HoldsLine(r.line))
@@ -132,6 +192,7 @@ void ViewWidget::DoFrameAsks() {
             break;
         }
     }
+    return any;
 }
 
 // Qt's bars hold the position between minimum and maximum; the view's hold it

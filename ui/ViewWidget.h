@@ -32,11 +32,11 @@ class SharedCanvas : public RecordingCanvas {
 // The main view's window: it paints the view's records with QPainter, draws
 // the clocks, mirrors the horizontal and vertical scroll bars, and turns
 // requests made under the engine lock (also by the tick) into window work
-// on a timer. The view is painted left of the vertical bar, which stands in
-// its own strip at the right edge. A clock refresh redraws only the clock
-// cells, without the engine lock and without recording the rows. GUI thread
-// only; it takes the engine lock around each model call and never holds it
-// while drawing pixels.
+// on a timer: every 5 ms while there is work, slowly after a second without
+// any, and fast again on user input or a Wake. The view is painted left of the vertical bar, which
+// stands in its own strip at the right edge. A clock refresh redraws only the clock cells, without
+// the engine lock and without recording the rows. GUI thread only; it takes the engine lock around
+// each model call and never holds it while drawing pixels.
 class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
   public:
     explicit ViewWidget(QWidget* parent = nullptr);
@@ -52,6 +52,9 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     // them.
     int64_t RecordedPaints() const { return recordedPaints; }
     void SetFrame(CMainFrame* f) { frame = f; }
+    // Any thread but the audio thread: the poll runs fast again, for what a
+    // key posted to the engine will ask of the window.
+    void Wake();
     // Where Load Waves reads its files; set before the event loop runs.
 
     // ViewHost: engine lock held, any thread.
@@ -109,6 +112,7 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     void SetSaveOnSwitch(bool on) override;
 
   protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -120,11 +124,12 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
 
   private:
     void Poll();
+    void PacePoll(bool busy);
     void MirrorScrollBars();
     void OnHorizontal(int action);
     void OnVertical(int action);
     void PaintClocks(QPainter& painter);
-    void DoFrameAsks();
+    bool DoFrameAsks();
     void UpdateClocks();
     int PaintWidth() const;
     void PlacePanels(const Rect& topPanel);
@@ -136,6 +141,7 @@ class ViewWidget : public QWidget, public ViewHost, public FrameCommands {
     QScrollBar* hBar;
     QScrollBar* vBar;
     QTimer* poll;
+    int32_t quietPolls = 0; // polls in a row that found nothing to do
     ClockFrame clocks{};
     QRegion clockRegion; // the cells of clocks
     int64_t recordedPaints = 0;

@@ -59,22 +59,14 @@ Records Painted(Line& line, int32_t measures, int32_t first, const std::vector<i
 
 TEST(LinePaint, TwoMeasuresDrawEveryTickAndNumberEachMeasure) {
     Line line(nullptr, 0, 4);
+    // clang-format off
     const Records expected{
-        {K::Fill, LineRect, {}, {}, White},
-        {K::Line, {}, {{27, Axis}, {827, Axis}}, Black},
-        Tick(27, 4),
-        Tick(27, 8),
-        Number(27, "1", Axis + 8),
-        Tick(127, 4),
-        Tick(227, 4),
-        Tick(327, 4),
-        Tick(427, 4),
-        Tick(427, 8),
-        Number(427, "2", Axis + 8),
-        Tick(527, 4),
-        Tick(627, 4),
-        Tick(727, 4),
-    };
+        {K::Fill, LineRect, {}, {}, White}, {K::Line, {}, {{27, Axis}, {827, Axis}}, Black},
+        Tick(27, 4), Tick(27, 8), Number(27, "1", Axis + 8),
+        Tick(127, 4), Tick(227, 4), Tick(327, 4),
+        Tick(427, 4), Tick(427, 8), Number(427, "2", Axis + 8),
+        Tick(527, 4), Tick(627, 4), Tick(727, 4)};
+    // clang-format on
     EXPECT_EQ(Painted(line, 2, 0, {}), expected);
 }
 

@@ -125,6 +125,27 @@ INSTANTIATE_TEST_SUITE_P(
                     ClockCase{500.0, 700, true, 2, 4}, ClockCase{250.0, 400, true, 3, 1},
                     ClockCase{500.0, 400, false, 0, 0}));
 
+TEST(Engine, ClockPassSendsAFrameOnlyWhenAClockChanged) {
+    ScheduleFixture f;
+    f.schedule.SetTempo(500.0);
+    f.Play({}, 4096);
+    f.schedule.Stop();
+    f.schedule.SetClockId(7);
+    Engine engine;
+    ClockLog clock({7});
+    engine.SetClockDisplay(&clock.display);
+    engine.AddPlayhead(f.schedule.GetPlayhead());
+    TickDriver ticks(engine);
+    ticks.Run(32);
+    EXPECT_EQ(clock.Texts(), (std::vector<std::array<int32_t, 3>>{{0, 0, 7}}));
+    ticks.Run(64);
+    EXPECT_TRUE(clock.Texts().empty()) << "a stopped clock is not sent again";
+    clock.display.AddCell(clock.rows[0].get(), 20, 0, 30, 10);
+    ticks.Run(32);
+    EXPECT_EQ(clock.Texts(), (std::vector<std::array<int32_t, 3>>{{0, 0, 20}}))
+        << "a moved cell is";
+}
+
 TEST(Engine, HighlightListHoldsThirtyOnceEachAndClearsThem) {
     Engine engine;
     std::vector<std::unique_ptr<SequencerRow>> rows;

@@ -34,53 +34,29 @@ TEST_P(Firing, NotesSoundOnTheirTicksEveryPass) {
     EXPECT_LT(f.schedule.playhead.position, f.schedule.lengthTicks);
 }
 
+// Rows: name, compiled tempo, later tempo (0: none), stopped, points, units, ticks run, fired.
+// clang-format off
 INSTANTIATE_TEST_SUITE_P(
     Patterns, Firing,
     testing::Values(
         // 65 units is 101.56 ticks; 64 and 65 land one tick apart.
-        FiringCase{"everyPass",
-                   500.0,
-                   0.0,
-                   false,
-                   {{0, 0}, {64, 1}, {65, 2}, {256, 3}},
-                   512,
-                   1600,
+        FiringCase{"everyPass", 500, 0, false, {{0, 0}, {64, 1}, {65, 2}, {256, 3}}, 512, 1600,
                    {{0, 0}, {100, 1}, {101, 2}, {400, 3}, {800, 0}, {900, 1}, {901, 2}, {1200, 3}}},
-        FiringCase{"oneTickInListOrder",
-                   500.0,
-                   0.0,
-                   false,
-                   {{10, 3}, {10, 1}, {10, 2}},
-                   512,
-                   1600,
+        FiringCase{"oneTickInListOrder", 500, 0, false, {{10, 3}, {10, 1}, {10, 2}}, 512, 1600,
                    {{15, 3}, {15, 1}, {15, 2}, {815, 3}, {815, 1}, {815, 2}}},
         // 250 BPM: one unit is 0.75 ticks.
-        FiringCase{
-            "unitsShareATick", 240.0, 0.0, false, {{1, 0}, {2, 1}}, 256, 2, {{0, 0}, {1, 1}}},
-        FiringCase{"waitsForTheNextPass",
-                   500.0,
-                   0.0,
-                   false,
-                   {{64, 0}, {128, 1}},
-                   512,
-                   910,
+        FiringCase{"unitsShareATick", 240, 0, false, {{1, 0}, {2, 1}}, 256, 2, {{0, 0}, {1, 1}}},
+        FiringCase{"waitsForTheNextPass", 500, 0, false, {{64, 0}, {128, 1}}, 512, 910,
                    {{100, 0}, {200, 1}, {900, 0}}},
-        FiringCase{"stopped", 500.0, 0.0, true, {{0, 0}}, 512, 900, {}},
+        FiringCase{"stopped", 500, 0, true, {{0, 0}}, 512, 900, {}},
         // The tempo's rounded length falls short of the last unit's tick.
-        FiringCase{"tempoNeverStrandsTheLast",
-                   500.0,
-                   60000.0 / 130,
-                   false,
-                   {{0, 0}, {1023, 1}},
-                   1024,
-                   2944,
-                   {{0, 0}, {1471, 1}, {1472, 0}, {2943, 1}}},
+        FiringCase{"tempoNeverStrandsTheLast", 500, 60000.0 / 130, false, {{0, 0}, {1023, 1}},
+                   1024, 2944, {{0, 0}, {1471, 1}, {1472, 0}, {2943, 1}}},
         // Shorter than a tick: the pattern still wraps, once a tick.
-        FiringCase{
-            "oneUnitCompiledFast", 240.0, 0.0, false, {{0, 0}}, 1, 3, {{0, 0}, {1, 0}, {2, 0}}},
-        FiringCase{
-            "oneUnitMadeFast", 500.0, 240.0, false, {{0, 0}}, 1, 3, {{0, 0}, {1, 0}, {2, 0}}}),
+        FiringCase{"oneUnitCompiledFast", 240, 0, false, {{0, 0}}, 1, 3, {{0, 0}, {1, 0}, {2, 0}}},
+        FiringCase{"oneUnitMadeFast", 500, 240, false, {{0, 0}}, 1, 3, {{0, 0}, {1, 0}, {2, 0}}}),
     [](const testing::TestParamInfo<FiringCase>& i) { return std::string(i.param.name); });
+// clang-format on
 
 // Records the position at each notification and can switch pattern there.
 struct Switcher : SequencerRow {
@@ -201,10 +177,6 @@ TEST(Schedule, EditsMatchTimeAndLine) {
     EXPECT_EQ(left, (Points{{15, 2}, {15, 3}, {46, 3}}));
     EXPECT_EQ(f.schedule.events[0].volume, -300);
 }
-
-} // namespace
-
-namespace {
 
 // A batch of one line's points, live, against the same points one by one:
 // entries, ticks, capacity and what the walker then plays must agree.

@@ -107,16 +107,6 @@ TEST(PatternBlock, TenThousandPointsTake160008Bytes) {
     EXPECT_EQ(out.Bytes().size(), 160008u);
 }
 
-TEST(PatternBlock, AListBeyondTheTableIsNotTaken) {
-    PlayPointList list(1 << 20);
-    for (int32_t i = 0; i <= SetSave::MaxRecords; ++i)
-        list.Insert(PlayPoint{i, 0, 0, 0, 0, 0, 0, 0});
-    auto save = std::make_unique<SetSave>();
-    save->count = 3;
-    EXPECT_FALSE(save->FromList(list));
-    EXPECT_EQ(save->count, 3);
-}
-
 // ---- ToList gives what Insert of each record gives -------------------------
 
 struct ListCase {

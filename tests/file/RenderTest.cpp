@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <set>
 #include <sys/wait.h>
@@ -196,6 +197,76 @@ TEST_F(Render, TheDemoFindsTheBundledKitAndSounds) {
     EXPECT_LT(peak, 1.0f);
 }
 
+// ---- The level of the output -------------------------------------------------
+
+float Peak(const RenderedWave& w) {
+    float peak = 0.0f;
+    for (float s : w.samples)
+        peak = std::max(peak, std::fabs(s));
+    return peak;
+}
+
+struct LevelCase {
+    const char* what;
+    double gainDb;
+    bool normalize;
+};
+
+class Level : public Render, public ::testing::WithParamInterface<LevelCase> {};
+
+// The gain scales the plain render's peak; --normalize puts the peak at
+// -1 dBFS, and a gain then moves it from there. The peak Render reports is
+// the written file's.
+TEST_P(Level, ScalesThePeakOfTheWholeOutput) {
+    const LevelCase c = GetParam();
+    RenderOptions o;
+    o.files = {DemoWithClicks(48000)};
+    o.pattern = 3;
+    o.seconds = 6.0;
+    o.output = Path("plain.wav");
+    std::string error;
+    ASSERT_EQ(::Render(o, error), 0) << error;
+    const float plain = Peak(ReadRendered(o.output));
+    ASSERT_GT(plain, 0.0f);
+
+    o.gainDb = c.gainDb;
+    o.normalize = c.normalize;
+    o.output = Path("out.wav");
+    float reported = 0.0f;
+    ASSERT_EQ(::Render(o, error, &reported), 0) << error;
+    const float peak = Peak(ReadRendered(o.output));
+    EXPECT_EQ(reported, peak);
+    const double expected =
+        (c.normalize ? std::pow(10.0, -1.0 / 20.0) : plain) * std::pow(10.0, c.gainDb / 20.0);
+    EXPECT_NEAR(peak / expected, 1.0, 1e-5);
+}
+
+INSTANTIATE_TEST_SUITE_P(Gains, Level,
+                         ::testing::Values(LevelCase{"gain -6 dB", -6.0, false},
+                                           LevelCase{"gain +12 dB", 12.0, false},
+                                           LevelCase{"normalized", 0.0, true},
+                                           LevelCase{"normalized, then -5 dB", -5.0, true}),
+                         [](const auto& info) { return CaseName(info.param.what); });
+
+// A gain past full scale writes the file all the same and says on standard
+// error how far its peak went.
+TEST_F(Render, AGainThatClipsIsWrittenAndReported) {
+    const std::string line = std::string("'") + OX_PROGRAM + "' --render '" + Path("out.wav") +
+                             "' --gain 40 '" + SourcePath("resources/demo.nst") + "' 2>'" +
+                             Path("stderr") + "'";
+    const int status = std::system(line.c_str());
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    const float peak = Peak(ReadRendered(Path("out.wav")));
+    ASSERT_GT(peak, 1.0f);
+    const std::vector<uint8_t> err = ReadBytes(Path("stderr"));
+    const std::string said(err.begin(), err.end());
+    char db[32];
+    std::snprintf(db, sizeof db, "%+.2f dBFS", 20.0 * std::log10(peak));
+    EXPECT_NE(said.find("clips"), std::string::npos) << said;
+    EXPECT_NE(said.find(db), std::string::npos) << said << " lacks " << db;
+}
+
 // ---- The command line of the program itself ----------------------------------
 
 struct CommandCase {
@@ -240,6 +311,7 @@ INSTANTIATE_TEST_SUITE_P(
     Lines, Command,
     ::testing::Values(
         CommandCase{"help", {"--help"}, 0, "--render OUT.wav", false},
+        CommandCase{"help on the level", {"--help"}, 0, "--normalize", false},
         CommandCase{"version", {"--version"}, 0, "oxbowlantern 1.0", false},
         CommandCase{"short render",
                     {"--render", "@/out.wav", "--seconds", "0.25", "--rate", "44100", "--bpm",
@@ -268,6 +340,22 @@ INSTANTIATE_TEST_SUITE_P(
                     "--level needs a value",
                     false},
         CommandCase{"no instrument", {"--render", "@/out.wav"}, 2, "no instrument file", false},
+        CommandCase{"gain in words",
+                    {"--render", "@/out.wav", "--gain", "loud", "#new-inst-1.nst"},
+                    2,
+                    "--gain needs a number of dB",
+                    false},
+        CommandCase{"gain too high",
+                    {"--render", "@/out.wav", "--gain", "101", "#new-inst-1.nst"},
+                    2,
+                    "--gain needs a number of dB",
+                    false},
+        CommandCase{"normalized render",
+                    {"--render", "@/out.wav", "--normalize", "--gain", "-3", "--seconds", "0.5",
+                     "#new-inst-1.nst"},
+                    0,
+                    "",
+                    true},
         CommandCase{
             "more than a WAV holds",
             {"--render", "@/out.wav", "--seconds", "3600", "--rate", "192000", "#new-inst-1.nst"},

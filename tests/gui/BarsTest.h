@@ -25,7 +25,6 @@ class BarsTest : public QObject {
     void showAgainOnlyRefreshes();
     void lineBarFields();
     void otherBarFields();
-    void timersBarFields_data();
     void timersBarFields();
     void noteBarFields_data();
     void noteBarFields();

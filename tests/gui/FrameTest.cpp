@@ -107,17 +107,17 @@ void FrameTest::commandRouting_data() {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QStringList>("calls");
     QTest::addColumn<int>("barState");
-    QTest::newRow("new instrument")
-        << false << "&New Instrument" << QStringList{"NewInstrument"} << 0;
-    QTest::newRow("close instrument")
-        << false << "Close Instrument" << QStringList{"CloseInstrument"} << 0;
-    QTest::newRow("line detail") << true << "LINE DETAIL (L)" << QStringList{"SetViewMode 1"} << 0;
-    QTest::newRow("insts") << true << "INSTS" << QStringList{"SetViewMode 2"} << 0;
-    QTest::newRow("line detail right, greyed") << true << "LINE DETAIL (R)" << QStringList{} << 0;
-    QTest::newRow("load waves") << true << "LOAD WAVES" << QStringList{"LoadWaveAsLine /w/kick.wav"}
-                                << 0;
-    QTest::newRow("screen") << true << "SCREEN" << QStringList{} << 1;
-    QTest::newRow("timers") << true << "TIMERS" << QStringList{} << 2;
+    auto row = [](const char* name, bool isButton, const char* text, QStringList calls, int bar) {
+        QTest::newRow(name) << isButton << text << calls << bar;
+    };
+    row("new instrument", false, "&New Instrument", {"NewInstrument"}, 0);
+    row("close instrument", false, "Close Instrument", {"CloseInstrument"}, 0);
+    row("line detail", true, "LINE DETAIL (L)", {"SetViewMode 1"}, 0);
+    row("insts", true, "INSTS", {"SetViewMode 2"}, 0);
+    row("line detail right, greyed", true, "LINE DETAIL (R)", {}, 0);
+    row("load waves", true, "LOAD WAVES", {"LoadWaveAsLine /w/kick.wav"}, 0);
+    row("screen", true, "SCREEN", {}, 1);
+    row("timers", true, "TIMERS", {}, 2);
 }
 
 void FrameTest::commandRouting() {

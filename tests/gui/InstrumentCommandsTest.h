@@ -26,7 +26,6 @@ class InstrumentCommandsTest : public QObject {
     void refusedFilesAddNothing_data();
     void refusedFilesAddNothing();
     void missingWavesInOneMessage();
-    void failedSaveKeepsTheOldFile_data();
     void failedSaveKeepsTheOldFile();
     void changeName();
     void instrumentSpins_data();

@@ -6,7 +6,9 @@
 
 #include <QScrollBar>
 #include <QTest>
+#include <QTimer>
 #include <mutex>
+#include <thread>
 
 void ViewWidgetTest::init() {
     clocks = new ClockDisplay;
@@ -52,4 +54,19 @@ void ViewWidgetTest::clockFrameDoesNotRecordTheRows() {
     // A row's request still repaints the view.
     widget->RequestRepaint();
     QTRY_VERIFY(widget->RecordedPaints() > painted);
+}
+
+// With nothing to do for a second the poll slows; a key posted from another
+// thread (Wake) or input to any window makes it fast again.
+void ViewWidgetTest::pollSlowsWhenQuietAndSpeedsUpOnAWakeOrInput() {
+    const QList<QTimer*> timers = widget->findChildren<QTimer*>(Qt::FindDirectChildrenOnly);
+    QCOMPARE(timers.size(), 1);
+    QTimer* poll = timers[0];
+    QCOMPARE(poll->interval(), 5);
+    QTRY_VERIFY_WITH_TIMEOUT(poll->interval() > 5, 3000);
+    std::thread([this] { widget->Wake(); }).join();
+    QTRY_COMPARE(poll->interval(), 5);
+    QTRY_VERIFY_WITH_TIMEOUT(poll->interval() > 5, 3000);
+    QTest::keyClick(widget, Qt::Key_Shift);
+    QCOMPARE(poll->interval(), 5);
 }

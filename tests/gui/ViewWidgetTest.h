@@ -6,7 +6,8 @@ class ClockDisplay;
 class ViewWidget;
 
 // The main view's window on the real model: where the rows end beside the
-// vertical bar, and that the clocks refresh without a repaint of the rows.
+// vertical bar, that the clocks refresh without a repaint of the rows, and
+// the pace of its poll.
 class ViewWidgetTest : public QObject {
     Q_OBJECT
 
@@ -16,6 +17,7 @@ class ViewWidgetTest : public QObject {
 
     void rowsEndWhereTheVerticalBarBegins();
     void clockFrameDoesNotRecordTheRows();
+    void pollSlowsWhenQuietAndSpeedsUpOnAWakeOrInput();
 
   private:
     ClockDisplay* clocks = nullptr;

@@ -29,18 +29,6 @@ Notes Compiled(Instrument& inst) {
     return out;
 }
 
-TEST(PatternBank, NewBankHasSixteenEmptyTwoMeasurePatterns) {
-    SongFixture f;
-    PatternBank& bank = *f.AddInstrument(0).GetBank();
-    for (const PlayPointList& p : bank.patterns) {
-        EXPECT_EQ(p.count, 0);
-        EXPECT_EQ(p.bound, 512);
-    }
-    EXPECT_EQ(bank.current, 0);
-    EXPECT_EQ(bank.playing, -1);
-    EXPECT_EQ(bank.GetMeasures(), 2);
-}
-
 TEST(PatternBank, LinesShowTheWorkingPatternByLine) {
     SongFixture f;
     Instrument& inst = f.AddInstrument(3);
@@ -77,41 +65,22 @@ TEST_P(BankCommands, CopyWhatTheyCopyWhere) {
     EXPECT_EQ(Contents(*bank.GetLine(0)->points), c.working);
 }
 
+const Notes N0{{0, 0}}, Both{{0, 0}, {64, 0}}, Doubled{{0, 0}, {64, 0}, {512, 0}, {576, 0}};
+
+// clang-format off
 INSTANTIATE_TEST_SUITE_P(
     Commands, BankCommands,
     testing::Values(
-        CommandCase{"edit", [](PatternBank&) {}, {{0, 0}, {64, 0}}, {{0, 0}}, {{0, 0}, {64, 0}}},
-        CommandCase{"save",
-                    [](PatternBank& b) { b.SaveWorking(); },
-                    {{0, 0}, {64, 0}},
-                    {{0, 0}, {64, 0}},
-                    {{0, 0}, {64, 0}}},
-        CommandCase{"restore",
-                    [](PatternBank& b) { b.RestoreWorking(); },
-                    {{0, 0}},
-                    {{0, 0}},
-                    {{0, 0}, {64, 0}}},
-        CommandCase{
-            "clear", [](PatternBank& b) { b.ClearWorking(); }, {}, {{0, 0}}, {{0, 0}, {64, 0}}},
-        CommandCase{"switchAway",
-                    [](PatternBank& b) { b.LoadPattern(3); },
-                    {},
-                    {{0, 0}},
-                    {{0, 0}, {64, 0}}},
-        CommandCase{"saveAndSwitch",
-                    [](PatternBank& b) {
-                        b.SaveWorking();
-                        b.LoadPattern(3);
-                    },
-                    {},
-                    {{0, 0}, {64, 0}},
-                    {{0, 0}, {64, 0}}},
-        CommandCase{"double",
-                    [](PatternBank& b) { b.DoublePattern(); },
-                    {{0, 0}, {64, 0}, {512, 0}, {576, 0}},
-                    {{0, 0}, {64, 0}, {512, 0}, {576, 0}},
-                    {{0, 0}, {64, 0}, {512, 0}, {576, 0}}}),
+        CommandCase{"edit", [](PatternBank&) {}, Both, N0, Both},
+        CommandCase{"save", [](PatternBank& b) { b.SaveWorking(); }, Both, Both, Both},
+        CommandCase{"restore", [](PatternBank& b) { b.RestoreWorking(); }, N0, N0, Both},
+        CommandCase{"clear", [](PatternBank& b) { b.ClearWorking(); }, {}, N0, Both},
+        CommandCase{"switchAway", [](PatternBank& b) { b.LoadPattern(3); }, {}, N0, Both},
+        CommandCase{"saveAndSwitch", [](PatternBank& b) { b.SaveWorking(); b.LoadPattern(3); },
+                    {}, Both, Both},
+        CommandCase{"double", [](PatternBank& b) { b.DoublePattern(); }, Doubled, Doubled, Doubled}),
     [](const testing::TestParamInfo<CommandCase>& i) { return std::string(i.param.name); });
+// clang-format on
 
 TEST(PatternBank, EditsOfAPatternThatDoesNotPlayAreNotHeard) {
     SongFixture f;

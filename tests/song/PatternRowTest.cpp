@@ -107,13 +107,6 @@ INSTANTIATE_TEST_SUITE_P(Table, PlayingTest,
                          ::testing::Values(PlayingCase{-1, 0, 0}, PlayingCase{0, 14, 32},
                                            PlayingCase{3, 70, 89}, PlayingCase{15, 295, 314}));
 
-TEST_F(PatternRowTest, BankTellsTheRowWhatPlays) {
-    bank.Play(3, 0, 1);
-    EXPECT_EQ(row.playing, 3);
-    bank.Stop();
-    EXPECT_EQ(row.playing, -1);
-}
-
 TEST_F(PatternRowTest, TitleFollowsShownPatternAndLength) {
     EXPECT_STREQ(row.GetName(), "  Pattern  1  (2 measures)");
     bank.ChangeLength(1);
@@ -176,13 +169,16 @@ INSTANTIATE_TEST_SUITE_P(Table, ShowPatternTest,
                          ::testing::Values(KeyCase{2, 2}, KeyCase{9, 9}, KeyCase{10, 0},
                                            KeyCase{-1, 0}));
 
-TEST_F(PatternRowTest, UnplacedRowTakesPlayingWithoutDrawing) {
+// The bank tells the row what plays, placed or not; unplaced it draws nothing.
+TEST_F(PatternRowTest, BankTellsTheRowWhatPlays) {
     row.Unplace();
     canvas.records.clear();
     bank.Play(1, 0, 1);
     row.Paint();
     EXPECT_TRUE(canvas.records.empty());
     EXPECT_EQ(row.playing, 1);
+    bank.Stop();
+    EXPECT_EQ(row.playing, -1);
 }
 
 } // namespace

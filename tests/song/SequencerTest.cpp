@@ -17,17 +17,6 @@ void Type(SequencerRow& s, int8_t focus, int32_t slot, int digit) {
     s.OnKey(Numpad[digit]);
 }
 
-TEST(Sequencer, NewInstrumentStandsStoppedOnPatternOne) {
-    SongFixture f;
-    Instrument& inst = f.AddInstrument(1);
-    SequencerRow& s = *inst.GetSequencer();
-    EXPECT_EQ(s.stopped, 1);
-    EXPECT_EQ(s.currentNumber, 1);
-    EXPECT_EQ(inst.GetBank()->playing, -1);
-    EXPECT_EQ(inst.GetSchedule()->playhead.running, 0);
-    EXPECT_EQ(inst.GetSchedule()->lengthTicks, 800);
-}
-
 struct CueCase {
     const char* name;
     uint8_t mode;

@@ -267,6 +267,33 @@ TEST(Voices, AFullCommandQueueRefusesUntilTheMixerDrainsIt) {
     EXPECT_TRUE(buffer.Play(PlayPoint{}));
 }
 
+// Voices are summed in the order of their numbers, whatever order they
+// started and stopped in, so the same voices give the same bits; a voice
+// released while it plays is heard no more.
+TEST(Voices, SumInVoiceOrderWhateverOrderTheyStartedIn) {
+    // In voice order 1 + 1e-8 rounds to 1 and the sum is 0; in the second
+    // start order -1 + 1 comes first and the sum would be 1e-8.
+    const float values[] = {1.0f, 1e-8f, -1.0f};
+    std::vector<std::vector<float>> outs;
+    for (const std::vector<int>& order : {std::vector<int>{0, 1, 2}, std::vector<int>{2, 0, 1}}) {
+        Mixer mixer;
+        std::vector<int32_t> voices;
+        for (float value : values)
+            voices.push_back(mixer.Attach(Constant(50, value, -value)));
+        const int32_t gone = mixer.Attach(Constant(50, 0.25f, 0.25f));
+        Send(mixer, MixerCommand::Play, gone);
+        for (int k : order) {
+            Send(mixer, MixerCommand::Play, voices[k]);
+            Send(mixer, MixerCommand::Play, voices[k]);
+        }
+        Send(mixer, MixerCommand::Release, gone);
+        outs.push_back(Render(mixer, 20));
+        EXPECT_EQ(mixer.SoundingVoices(), 3);
+    }
+    EXPECT_EQ(outs[0], outs[1]);
+    EXPECT_EQ(outs[0][0], 0.0f);
+}
+
 // When the GUI thread does not collect, the return queue fills: a sample
 // released then stays on its idle voice and a replaced table stays linked,
 // both reachable and freed by the mixer itself (LeakSanitizer checks that

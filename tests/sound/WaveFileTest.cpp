@@ -42,9 +42,9 @@ TEST_P(WaveAccepts, DecodesToFloatFrames) {
     EXPECT_EQ(wave.sample->rate, c.rate);
     ASSERT_EQ(wave.sample->frames, c.frames);
     for (size_t i = 0; i < c.samples.size(); ++i)
-        EXPECT_FLOAT_EQ(wave.sample->samples[i], c.samples[i]) << "sample " << i;
+        EXPECT_FLOAT_EQ(wave.sample->Value(i), c.samples[i]) << "sample " << i;
     for (int i = 0; i < SampleData::PadFrames * c.channels; ++i)
-        EXPECT_EQ(wave.sample->samples[c.samples.size() + i], 0.0f) << "silent pad";
+        EXPECT_EQ(wave.sample->Value(c.samples.size() + i), 0.0f) << "silent pad";
 }
 
 using W = WaveBuilder;
