@@ -13,6 +13,8 @@ set(CORE_SOURCES
     engine/OfflineOutput.cpp
     engine/AudioOutput.cpp
     engine/JackOutput.cpp
+    engine/MidiClock.cpp
+    engine/JackTransport.cpp
     engine/RtAudioOutput.cpp
     engine/OutputKeeper.cpp
     engine/ClockDisplay.cpp
@@ -44,4 +46,5 @@ set(CORE_SOURCES
     song/InstrumentFile.cpp
     engine/RenderOptions.cpp
     engine/RenderCommand.cpp
+    engine/SyncSwitches.cpp
 )

@@ -100,6 +100,8 @@ void AudioCallback::RunDueTicks() {
         dropped += silent(context);
     for (int32_t i = silentTicks > 0 ? silentTicks : 0; i < dueTicks; ++i)
         tick(context);
+    if (tickObserver != nullptr)
+        tickObserver(tickObserverContext, nextTick - 1);
     theEngineLock.unlock();
     ticksRun.fetch_add(static_cast<uint64_t>(dueTicks), std::memory_order_relaxed);
     lateTicks.fetch_add(static_cast<uint64_t>(dueTicks - 1), std::memory_order_relaxed);

@@ -58,6 +58,16 @@ class AudioCallback {
 
     int32_t SampleRate() const { return rate; }
 
+    // Called after each run of due ticks, with the engine lock still held and
+    // the number of the latest tick; its boundary is the frame being rendered.
+    // Set before the output starts. For what follows the playheads tick by
+    // tick (the MIDI clock), without a lock of its own.
+    using TickObserver = void (*)(void* context, int64_t tick);
+    void SetTickObserver(TickObserver observer, void* observerContext) {
+        tickObserver = observer;
+        tickObserverContext = observerContext;
+    }
+
     // Any thread (a status bar reads them): counters since Prepare. Late
     // ticks ran after their boundary, played late or silent; dropped notes
     // were passed over by silent ticks.
@@ -74,6 +84,8 @@ class AudioCallback {
     SilentTickFunction silent;
     void* context;
     Mixer& mixer;
+    TickObserver tickObserver = nullptr;
+    void* tickObserverContext = nullptr;
 
     // Audio thread only, after Prepare.
     int32_t rate = 48000;

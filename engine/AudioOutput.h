@@ -28,6 +28,15 @@ class AudioOutput {
     virtual bool Lost() { return false; }
     // GUI thread: why the last Start failed, as the library said it.
     virtual std::string Failure() const { return {}; }
+
+    // GUI thread: MIDI clock out and leading the transport, on or off, kept
+    // over Stop and Start. Outputs without them ignore this.
+    virtual void SetSync(bool /*midiClock*/, bool /*transportMaster*/) {}
+    // GUI thread, every few tens of milliseconds while started: lets the
+    // transport follow the first instrument.
+    virtual void FollowSync() {}
+    // GUI thread: how the transport stands, for the status line, or empty.
+    virtual std::string SyncNote() const { return {}; }
 };
 
 // The one line that Describe gives: "JACK, 48000 Hz, 256 frames (5.3 ms)".

@@ -1,10 +1,12 @@
 #include "engine/JackOutput.h"
 
 #include "engine/AudioCallback.h"
+#include "engine/Engine.h"
 
 #include <algorithm>
 #include <chrono>
 #include <jack/jack.h>
+#include <jack/midiport.h>
 #include <thread>
 
 namespace {
@@ -38,6 +40,7 @@ bool JackOutput::Start(AudioCallback& c) {
         return true;
     if (client != nullptr)
         jack_client_close(client);
+    c.SetTickObserver(nullptr, nullptr);
     client = nullptr;
     callback = nullptr;
     return false;
@@ -56,7 +59,8 @@ bool JackOutput::Open() {
         jack_port_register(client, "outport 0", JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, 0);
     ports[1] =
         jack_port_register(client, "outport 1", JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, 0);
-    if (ports[0] == nullptr || ports[1] == nullptr) {
+    midiPort = jack_port_register(client, "midi out", JACK_DEFAULT_MIDI_TYPE, JackPortIsOutput, 0);
+    if (ports[0] == nullptr || ports[1] == nullptr || midiPort == nullptr) {
         failure = "the JACK output ports could not be registered";
         return false;
     }
@@ -66,12 +70,20 @@ bool JackOutput::Open() {
     jack_set_buffer_size_callback(client, OnBufferSize, this);
     jack_on_info_shutdown(client, OnShutdown, this);
     callback->Prepare(rate);
+    clock.Prepare(rate, WriteMidi, this);
+    callback->SetTickObserver(OnTick, this);
     if (jack_activate(client) != 0) {
         failure = "the JACK client could not be activated";
         return false;
     }
     ConnectToPlayback();
+    transport.Attach(client);
     return true;
+}
+
+void JackOutput::SetSync(bool midiClock, bool transportMaster) {
+    clockOn.store(midiClock, std::memory_order_relaxed);
+    transport.Want(transportMaster);
 }
 
 // The left port goes to the first playback port and the right one to the
@@ -92,6 +104,7 @@ void JackOutput::Stop() {
     if (client == nullptr)
         return;
     if (!lost.load(std::memory_order_acquire)) {
+        transport.Detach();
         jack_deactivate(client);
         jack_client_close(client);
     } else {
@@ -99,7 +112,9 @@ void JackOutput::Stop() {
         // gone starts no period, so at most the one under way ends here.
         for (int i = 0; i < 100 && processing.load(std::memory_order_acquire); ++i)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        transport.Attach(nullptr);
     }
+    callback->SetTickObserver(nullptr, nullptr);
     client = nullptr;
     callback = nullptr;
 }
@@ -109,10 +124,17 @@ std::string JackOutput::Describe() const {
 }
 
 // Audio thread (JACK's process thread): renders interleaved stereo in chunks
-// and spreads it over the two ports. No waits, no allocation.
+// and spreads it over the two ports; the MIDI clock's bytes of the period go
+// to "midi out". No waits, no allocation.
 int JackOutput::Process(jack_nframes_t frames, void* arg) {
     JackOutput& self = *static_cast<JackOutput*>(arg);
     self.processing.store(true);
+    self.midiBuffer = jack_port_get_buffer(self.midiPort, frames);
+    jack_midi_clear_buffer(self.midiBuffer);
+    const bool clockOn = self.clockOn.load(std::memory_order_relaxed);
+    if (clockOn)
+        self.clock.BeginPeriod(static_cast<int64_t>(self.callback->FramesRendered()),
+                               static_cast<int32_t>(frames));
     float* left = static_cast<float*>(jack_port_get_buffer(self.ports[0], frames));
     float* right = static_cast<float*>(jack_port_get_buffer(self.ports[1], frames));
     const int32_t total = static_cast<int32_t>(frames);
@@ -125,8 +147,27 @@ int JackOutput::Process(jack_nframes_t frames, void* arg) {
         }
         done += n;
     }
+    if (clockOn)
+        self.clock.EndPeriod();
     self.processing.store(false, std::memory_order_release);
     return 0;
+}
+
+// Audio thread, engine lock held (the callback's tick observer): the clock
+// and the transport follow the first instrument's playhead.
+void JackOutput::OnTick(void* arg, int64_t tick) {
+    Engine* engine = theEngine;
+    const Playhead* first =
+        engine != nullptr && engine->playheadCount > 0 ? engine->playheads[0] : nullptr;
+    JackOutput& self = *static_cast<JackOutput*>(arg);
+    self.clock.AfterTick(tick, first);
+    self.transport.AfterTick(tick, first);
+}
+
+// Audio thread: one byte into the period's MIDI buffer.
+void JackOutput::WriteMidi(void* arg, int32_t offset, uint8_t byte) {
+    jack_midi_event_write(static_cast<JackOutput*>(arg)->midiBuffer,
+                          static_cast<jack_nframes_t>(offset), &byte, 1);
 }
 
 // JACK's thread, between periods: the server changed its period.

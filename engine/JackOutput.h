@@ -1,6 +1,8 @@
 #pragma once
 
 #include "engine/AudioOutput.h"
+#include "engine/JackTransport.h"
+#include "engine/MidiClock.h"
 
 #include <atomic>
 #include <cstdint>
@@ -9,8 +11,9 @@
 
 // The program's own JACK client, used whenever a JACK server runs: client
 // "oxbowlantern" with the audio output ports "outport 0" (left) and
-// "outport 1" (right), connected to the first two physical playback ports.
-// The server's rate and period are the output's.
+// "outport 1" (right), connected to the first two physical playback ports,
+// and the MIDI output port "midi out", which carries MIDI clock when it is
+// switched on. The server's rate and period are the output's.
 //
 // A server that goes away reaches the client through its shutdown callback,
 // which only raises the flag that Lost reads; the GUI thread acts on it. The
@@ -34,6 +37,10 @@ class JackOutput : public AudioOutput {
     bool Lost() override { return lost.load(std::memory_order_acquire); }
     std::string Failure() const override { return failure; }
 
+    void SetSync(bool midiClock, bool transportMaster) override;
+    void FollowSync() override { transport.Follow(); }
+    std::string SyncNote() const override { return transport.Note(); }
+
   private:
     // Frames rendered at a time into the interleaved scratch buffer.
     static constexpr int32_t ChunkFrames = 512;
@@ -43,14 +50,21 @@ class JackOutput : public AudioOutput {
     static int Process(jack_nframes_t frames, void* self);
     static int OnBufferSize(jack_nframes_t frames, void* self);
     static void OnShutdown(jack_status_t code, const char* reason, void* self);
+    static void OnTick(void* self, int64_t tick);
+    static void WriteMidi(void* self, int32_t offset, uint8_t byte);
 
     jack_client_t* client = nullptr;
     jack_port_t* ports[2] = {};
+    jack_port_t* midiPort = nullptr;
+    void* midiBuffer = nullptr; // the period's, in Process
     AudioCallback* callback = nullptr;
     int32_t rate = 0;
     std::atomic<int32_t> period{0};
     std::atomic<bool> lost{false};
     std::atomic<bool> processing{false}; // while Process runs
+    std::atomic<bool> clockOn{false};
+    MidiClock clock;
+    JackTransport transport;
     std::string failure;
     float scratch[2 * ChunkFrames] = {};
 };

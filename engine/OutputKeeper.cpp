@@ -75,9 +75,17 @@ uint64_t OutputKeeper::DroppedNotes() const {
     return droppedBefore + (current != nullptr ? callback.DroppedNotes() : 0);
 }
 
+void OutputKeeper::SetSync(bool midiClock, bool transportMaster) {
+    for (const std::unique_ptr<AudioOutput>& output : outputs)
+        output->SetSync(midiClock, transportMaster);
+}
+
 std::string OutputKeeper::StatusText() const {
-    if (current != nullptr)
-        return "Sound: " + current->Describe() + "    " + CountsText();
+    if (current != nullptr) {
+        const std::string sync = current->SyncNote();
+        return "Sound: " + current->Describe() + "    " + CountsText() +
+               (sync.empty() ? "" : "    " + sync);
+    }
     std::string text = "No sound";
     if (!lostOutput.empty())
         text += ": the " + lostOutput + " output went away";

@@ -36,6 +36,14 @@ class OutputKeeper {
     bool Check();
     // Stops the output; nothing is pulled after it returns.
     void Close();
+    // MIDI clock and leading the JACK transport, for every output.
+    void SetSync(bool midiClock, bool transportMaster);
+    // Every few tens of milliseconds: the transport follows the first
+    // instrument.
+    void FollowSync() {
+        if (current != nullptr)
+            current->FollowSync();
+    }
 
     bool Playing() const { return current != nullptr; }
     const AudioOutput* Current() const { return current; }

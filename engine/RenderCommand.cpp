@@ -7,6 +7,7 @@
 #include "engine/Schedule.h"
 #include "engine/SequencerRow.h"
 #include "engine/SoundSystem.h"
+#include "engine/SyncSwitches.h"
 #include "song/DiskFile.h"
 #include "song/FileArchive.h"
 #include "song/Instrument.h"
@@ -201,6 +202,7 @@ int RenderMain(int argc, const char* const* argv) {
     }
     if (options.help) {
         std::fputs(RenderUsage().c_str(), stdout);
+        std::fputs(SyncUsage().c_str(), stdout);
         return 0;
     }
     if (options.version) {

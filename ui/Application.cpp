@@ -6,12 +6,14 @@
 #include "engine/EngineLock.h"
 #include "engine/OutputKeeper.h"
 #include "engine/SoundSystem.h"
+#include "engine/SyncSwitches.h"
 #include "song/Instrument.h"
 #include "ui/CMainFrame.h"
 #include "ui/KeyFeed.h"
 #include "ui/KeyMap.h"
 #include "ui/SignalExit.h"
 #include "ui/SoundStatus.h"
+#include "ui/SyncMenu.h"
 #include "ui/ViewWidget.h"
 
 #include <QApplication>
@@ -65,6 +67,9 @@ void SaveAsForTest(CMainFrame& frame) {
 
 int RunApplication(int argc, char** argv) {
     BlockStopSignals();
+    const SyncSwitches sync = TakeSyncSwitches(argc, argv);
+    if (sync.link)
+        std::fputs("oxbowlantern: Ableton Link is not available in this version\n", stderr);
     QApplication app(argc, argv);
 
     ViewWidget* view = new ViewWidget; // the frame owns it
@@ -92,6 +97,7 @@ int RunApplication(int argc, char** argv) {
         return 255;
     }
     SoundStatus soundStatus(output, frame.statusBar());
+    SyncMenu syncMenu(frame.syncMenu, sync, output);
     {
         std::lock_guard<EngineMutex> guard(theEngineLock);
         MainView* v = view->View();

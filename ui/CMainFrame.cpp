@@ -79,6 +79,7 @@ void CMainFrame::CreateMenus() {
     QAction* toolbar = stockToolBar->toggleViewAction();
     toolbar->setText(QStringLiteral("&Toolbar"));
     menuBar()->addMenu(QStringLiteral("&View"))->addAction(toolbar);
+    syncMenu = menuBar()->addMenu(QStringLiteral("&Sync"));
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
     connect(help->addAction(QStringLiteral("&About program...")), &QAction::triggered, this,

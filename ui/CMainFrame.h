@@ -9,6 +9,7 @@
 #include <QUrl>
 #include <cstdint>
 
+class QMenu;
 class QToolBar;
 
 // The program's window: the command toolbar at the top, the main view below
@@ -87,6 +88,8 @@ class CMainFrame : public QMainWindow {
     InstrumentBar* instrumentBar;
     PatternBar* patternBar;
     NoteBar* noteBar;
+    // The Sync menu, after View; SyncMenu fills it.
+    QMenu* syncMenu = nullptr;
     uint8_t barState = EmptyBarUp;
     // The file dialog and the message box of LoadWaves.
     WavePrompts wavePrompts = SystemWavePrompts();

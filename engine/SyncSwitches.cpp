@@ -1,0 +1,31 @@
+#include "engine/SyncSwitches.h"
+
+#include <cstring>
+
+SyncSwitches TakeSyncSwitches(int& argc, char** argv) {
+    SyncSwitches s;
+    int kept = 1;
+    for (int i = 1; i < argc; ++i) {
+        bool* flag = std::strcmp(argv[i], "--midi-clock") == 0       ? &s.midiClock
+                     : std::strcmp(argv[i], "--jack-transport") == 0 ? &s.jackTransport
+                     : std::strcmp(argv[i], "--link") == 0           ? &s.link
+                                                                     : nullptr;
+        if (flag != nullptr)
+            *flag = true;
+        else
+            argv[kept++] = argv[i];
+    }
+    argv[kept] = nullptr;
+    argc = kept;
+    return s;
+}
+
+std::string SyncUsage() {
+    return "\n"
+           "Usage: oxbowlantern [--midi-clock] [--jack-transport] [--link] [FILE.nst...]\n"
+           "Opens the windows with the instrument files loaded. For this run only, and\n"
+           "beside what the Sync menu remembers:\n"
+           "  --midi-clock      send MIDI clock on the JACK port \"midi out\"\n"
+           "  --jack-transport  be the JACK transport's timebase master\n"
+           "  --link            Ableton Link (not available in this version)\n";
+}

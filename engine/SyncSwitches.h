@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+// The command-line switches that turn on playing with others for one run of
+// the windowed program, whatever the Sync menu remembers.
+struct SyncSwitches {
+    bool midiClock = false;     // --midi-clock
+    bool jackTransport = false; // --jack-transport
+    bool link = false;          // --link
+};
+
+// Takes the switches out of the arguments, so that Qt's own options and the
+// instrument files are left as they were, in their order. argv keeps its
+// closing null.
+SyncSwitches TakeSyncSwitches(int& argc, char** argv);
+
+// The lines of --help about them.
+std::string SyncUsage();
