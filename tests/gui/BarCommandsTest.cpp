@@ -48,27 +48,13 @@ void TimersStep(CMainFrame* frame, const QString& step) {
 } // namespace
 
 void BarCommandsTest::init() {
-    engine = new Engine;
-    clocks = new ClockDisplay;
-    theEngine = engine;
-    theClockDisplay = clocks;
-    sounds = new SoundSystem;
-    view = new ViewWidget;
-    view->CreateView();
-    theSoundSystem = sounds;
-    frame = new CMainFrame(view, view);
-    view->SetFrame(frame);
-    frame->show();
+    program = std::make_unique<ProgramFixture>();
+    view = program->view;
+    frame = program->frame;
 }
 
 void BarCommandsTest::cleanup() {
-    delete frame; // and the view with every instrument
-    theSoundSystem = nullptr;
-    delete sounds;
-    delete clocks;
-    delete engine;
-    theEngine = nullptr;
-    theClockDisplay = nullptr;
+    program.reset();
 }
 
 void BarCommandsTest::tempoControl_data() {

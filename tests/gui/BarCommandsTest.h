@@ -1,5 +1,9 @@
 #pragma once
 
+#include "ProgramFixture.h"
+
+#include <memory>
+
 #include <QObject>
 
 class CMainFrame;
@@ -27,9 +31,7 @@ class BarCommandsTest : public QObject {
     void saveOnSwitchShown();
 
   private:
-    Engine* engine = nullptr;
-    ClockDisplay* clocks = nullptr;
-    SoundSystem* sounds = nullptr;
+    std::unique_ptr<ProgramFixture> program;
     ViewWidget* view = nullptr;
     CMainFrame* frame = nullptr;
 };

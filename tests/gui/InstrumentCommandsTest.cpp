@@ -56,17 +56,9 @@ std::string SilentWave(const char* name) {
 } // namespace
 
 void InstrumentCommandsTest::init() {
-    engine = new Engine;
-    clocks = new ClockDisplay;
-    theEngine = engine;
-    theClockDisplay = clocks;
-    sounds = new SoundSystem;
-    theSoundSystem = sounds;
-    view = new ViewWidget;
-    view->CreateView();
-    frame = new CMainFrame(view, view);
-    view->SetFrame(frame);
-    frame->show();
+    program = std::make_unique<ProgramFixture>();
+    view = program->view;
+    frame = program->frame;
     view->CreatePanels();
     fileDialogs = 0;
     messages.clear();
@@ -82,13 +74,7 @@ void InstrumentCommandsTest::init() {
 }
 
 void InstrumentCommandsTest::cleanup() {
-    delete frame;
-    theSoundSystem = nullptr;
-    delete sounds;
-    delete clocks;
-    delete engine;
-    theEngine = nullptr;
-    theClockDisplay = nullptr;
+    program.reset();
 }
 
 QString InstrumentCommandsTest::Path(const char* name) const {

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "ProgramFixture.h"
+
+#include <memory>
+
 #include <QObject>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -40,9 +44,7 @@ class InstrumentCommandsTest : public QObject {
     QString Path(const char* name) const;
     int InstrumentCount() const;
 
-    Engine* engine = nullptr;
-    ClockDisplay* clocks = nullptr;
-    SoundSystem* sounds = nullptr;
+    std::unique_ptr<ProgramFixture> program;
     ViewWidget* view = nullptr;
     CMainFrame* frame = nullptr;
     QTemporaryDir folder;
