@@ -16,23 +16,16 @@ mode=${2:-idle}
 seconds=${3:-20}
 cd "$(dirname "$0")/.."
 work=$(mktemp -d)
-server="oxidle$$"
-export JACK_NO_AUDIO_RESERVATION=1 JACK_DEFAULT_SERVER="$server"
-
-jackd -n "$server" -d dummy -r 48000 -p 256 >"$work/jackd.log" 2>&1 &
-jack=$!
-trap 'kill $jack 2>/dev/null || true; rm -rf "$work"' EXIT
-sleep 1
+. tools/realprogram.sh
+start_jack "oxidle$$"
 
 xvfb-run -a -s "-screen 0 1280x800x24" sh -c '
     program=$0 work=$1 mode=$2 seconds=$3
+    . tools/realprogram.sh
     "$program" resources/demo.nst >"$work/program.log" 2>&1 &
     app=$!
-    for i in $(seq 50); do
-        jack_lsp 2>/dev/null | grep -q "^oxbowlantern:" && break
-        sleep 0.2
-    done
-    sleep 2
+    program_ports
+    sleep 1
     if [ "$mode" = play ]; then
         xdotool mousemove 640 400
         xdotool key grave
