@@ -8,7 +8,8 @@ set -eu
 PACKAGES="
 cmake g++ make pkg-config
 qt6-base-dev libgl-dev libx11-dev libxi-dev
-librtaudio-dev libasound2-dev
+librtaudio-dev libasound2-dev librtmidi-dev
+ableton-link-dev libasio-dev
 jackd2 libjack-jackd2-dev
 libgtest-dev libgmock-dev libbenchmark-dev
 fonts-liberation fonts-dejavu-core fonts-dejavu-extra
