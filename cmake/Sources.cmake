@@ -16,6 +16,7 @@ set(CORE_SOURCES
     engine/MidiClock.cpp
     engine/JackTransport.cpp
     engine/RtAudioOutput.cpp
+    engine/AlsaClockOut.cpp
     engine/OutputKeeper.cpp
     engine/ClockDisplay.cpp
     engine/SequencerRow.cpp

@@ -79,6 +79,10 @@ class Engine {
     // dropped. Audio thread, engine lock held, when ticks ran very late.
     int32_t SilentTick();
 
+    // The first instrument's playhead, which clock and transport follow, or
+    // null. Engine lock held.
+    const Playhead* FirstPlayhead() const { return playheadCount > 0 ? playheads[0] : nullptr; }
+
     void SetClockDisplay(ClockDisplay* display) { clockDisplay = display; }
     void SetKeyTarget(KeyTarget* target) { keyTarget = target; }
 

@@ -156,9 +156,7 @@ int JackOutput::Process(jack_nframes_t frames, void* arg) {
 // Audio thread, engine lock held (the callback's tick observer): the clock
 // and the transport follow the first instrument's playhead.
 void JackOutput::OnTick(void* arg, int64_t tick) {
-    Engine* engine = theEngine;
-    const Playhead* first =
-        engine != nullptr && engine->playheadCount > 0 ? engine->playheads[0] : nullptr;
+    const Playhead* first = theEngine != nullptr ? theEngine->FirstPlayhead() : nullptr;
     JackOutput& self = *static_cast<JackOutput*>(arg);
     self.clock.AfterTick(tick, first);
     self.transport.AfterTick(tick, first);

@@ -1,9 +1,11 @@
 #include "engine/RtAudioOutput.h"
 
 #include "engine/AudioCallback.h"
+#include "engine/Engine.h"
 
 #include <RtAudio.h>
 #include <alsa/asoundlib.h>
+#include <chrono>
 
 namespace {
 
@@ -51,7 +53,17 @@ int RtAudioOutput::Callback(void* output, void*, unsigned int frames, double, un
     RtAudioOutput* self = static_cast<RtAudioOutput*>(user);
     if ((status & RTAUDIO_OUTPUT_UNDERFLOW) != 0)
         self->underflows.fetch_add(1, std::memory_order_relaxed);
+    const bool clockOn = self->clockOn.load(std::memory_order_relaxed);
+    if (clockOn) {
+        const auto now = std::chrono::steady_clock::now().time_since_epoch();
+        self->periodNs =
+            std::chrono::duration_cast<std::chrono::nanoseconds>(now).count() + self->latencyNs;
+        self->clock.BeginPeriod(static_cast<int64_t>(self->callback->FramesRendered()),
+                                static_cast<int32_t>(frames));
+    }
     self->callback->Render(static_cast<float*>(output), static_cast<int32_t>(frames));
+    if (clockOn)
+        self->clock.EndPeriod();
     self->periods.fetch_add(1, std::memory_order_relaxed);
     return 0;
 }
@@ -94,7 +106,10 @@ bool RtAudioOutput::TryApi(int apiNumber, AudioCallback& c) {
                           this, &options);
         rate = static_cast<int32_t>(audio->getStreamSampleRate());
         period = static_cast<int32_t>(frames);
+        latencyNs = static_cast<int64_t>(audio->getStreamLatency()) * 1000000000 / rate;
         c.Prepare(rate);
+        clock.Prepare(rate, WriteMidi, this);
+        c.SetTickObserver(OnTick, this);
         audio->startStream();
         apiName = ApiLabel(api);
         return true;
@@ -122,7 +137,30 @@ void RtAudioOutput::Stop() {
     } catch (const RtAudioError&) {
     }
     audio.reset();
+    callback->SetTickObserver(nullptr, nullptr);
     callback = nullptr;
+}
+
+void RtAudioOutput::SetSync(bool midiClock, bool) {
+    if (midiClock)
+        alsaClock.Open();
+    clockOn.store(midiClock && alsaClock.IsOpen(), std::memory_order_relaxed);
+}
+
+std::string RtAudioOutput::SyncNote() const {
+    return alsaClock.IsOpen() ? std::string() : alsaClock.Failure();
+}
+
+// Audio thread, engine lock held (the callback's tick observer).
+void RtAudioOutput::OnTick(void* self, int64_t tick) {
+    static_cast<RtAudioOutput*>(self)->clock.AfterTick(
+        tick, theEngine != nullptr ? theEngine->FirstPlayhead() : nullptr);
+}
+
+// Audio thread: the byte is due when the period's frame `offset` sounds.
+void RtAudioOutput::WriteMidi(void* arg, int32_t offset, uint8_t byte) {
+    RtAudioOutput& self = *static_cast<RtAudioOutput*>(arg);
+    self.alsaClock.Queue(self.periodNs + int64_t{offset} * 1000000000 / self.rate, byte);
 }
 
 bool RtAudioOutput::Lost() {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "engine/AlsaClockOut.h"
 #include "engine/AudioOutput.h"
+#include "engine/MidiClock.h"
 
 #include <atomic>
 #include <cstdint>
@@ -13,7 +15,9 @@ class RtAudio;
 // serves that case): PulseAudio (or PipeWire's PulseAudio service), then
 // ALSA's "default" device. Float stereo at 48 kHz when the device offers it,
 // else at the device's own rate; 256-frame periods unless the server
-// dictates its own. The stream is named after the program.
+// dictates its own. The stream is named after the program. MIDI clock, when
+// switched on, goes out through the ALSA sequencer, each pulse due at the
+// instant its frame reaches the speakers.
 class RtAudioOutput : public AudioOutput {
   public:
     static constexpr const char* ClientName = "oxbowlantern";
@@ -35,6 +39,11 @@ class RtAudioOutput : public AudioOutput {
     // What RtAudio said of each system it tried, in order.
     std::string Failure() const override { return failure; }
 
+    // GUI thread: MIDI clock on or off; the transport is JACK's alone.
+    void SetSync(bool midiClock, bool transportMaster) override;
+    // Why the clock cannot be sent, or empty.
+    std::string SyncNote() const override;
+
     // Any thread: periods the device reported as played too late.
     uint64_t Underflows() const { return underflows.load(std::memory_order_relaxed); }
 
@@ -43,6 +52,8 @@ class RtAudioOutput : public AudioOutput {
     void Fail(int api, const std::string& reason);
     static int Callback(void* output, void* input, unsigned int frames, double time,
                         unsigned int status, void* user);
+    static void OnTick(void* self, int64_t tick);
+    static void WriteMidi(void* self, int32_t offset, uint8_t byte);
 
     std::unique_ptr<RtAudio> audio;
     std::string apiName;
@@ -53,4 +64,10 @@ class RtAudioOutput : public AudioOutput {
     std::atomic<uint64_t> underflows{0};
     std::atomic<uint64_t> periods{0};
     uint64_t periodsAsked = 0; // periods at the last Lost, GUI thread
+
+    std::atomic<bool> clockOn{false};
+    MidiClock clock;
+    AlsaClockOut alsaClock;
+    int64_t periodNs = 0;  // audio thread: when the period's first frame sounds
+    int64_t latencyNs = 0; // the stream's latency, set at start
 };
