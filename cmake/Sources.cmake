@@ -47,4 +47,8 @@ set(CORE_SOURCES
     engine/RenderOptions.cpp
     engine/RenderCommand.cpp
     engine/SyncSwitches.cpp
+    engine/MidiParser.cpp
+    engine/MidiMap.cpp
+    engine/EngineMidi.cpp
+    engine/ClockFollower.cpp
 )
