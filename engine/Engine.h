@@ -116,8 +116,9 @@ class Engine {
 
     // Audio thread, engine lock held, before each sounding tick: the frames
     // the tick spans, [start, end), on a clock of `rate` frames a second.
-    // MIDI stamped before `end` acts in it. Without it (ticks run by hand)
-    // every queued message is due.
+    // MIDI stamped before `end` acts in it, so MIDI of a tick that already
+    // ran acts in the next. Without it (ticks run by hand) every queued
+    // message is due.
     void SetTickFrames(int64_t start, int64_t end, int32_t rate) {
         tickStart = start;
         tickEnd = end;

@@ -159,7 +159,8 @@ int JackOutput::Process(jack_nframes_t frames, void* arg) {
 
 // Audio thread: every message of the period on "midi in" goes to the engine
 // stamped with its frame, before the period's ticks run, so each acts in the
-// tick its frame falls in.
+// tick its frame falls in; when that tick began in an earlier period and has
+// run, in the next one.
 void JackOutput::ReadMidi(jack_nframes_t frames) {
     void* in = jack_port_get_buffer(midiInPort, frames);
     Engine* engine = theEngine;
