@@ -48,4 +48,8 @@ set(CORE_SOURCES
     engine/RenderOptions.cpp
     engine/RenderCommand.cpp
     engine/SyncSwitches.cpp
+    engine/MidiParser.cpp
+    engine/MidiMap.cpp
+    engine/EngineMidi.cpp
+    engine/ClockFollower.cpp
 )

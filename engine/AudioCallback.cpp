@@ -35,7 +35,8 @@ inline void CpuRelax() {
 
 AudioCallback::AudioCallback(Engine* engine, Mixer& m)
     : tick(engine != nullptr ? RunEngineTick : NoTick),
-      silent(engine != nullptr ? RunEngineSilentTick : NoSilentTick), context(engine), mixer(m) {}
+      silent(engine != nullptr ? RunEngineSilentTick : NoSilentTick), context(engine), mixer(m),
+      engine(engine) {}
 
 AudioCallback::AudioCallback(TickFunction t, SilentTickFunction s, void* c, Mixer& m)
     : tick(t), silent(s), context(c), mixer(m) {}
@@ -98,8 +99,14 @@ void AudioCallback::RunDueTicks() {
     int64_t dropped = 0;
     for (int32_t i = 0; i < silentTicks; ++i)
         dropped += silent(context);
-    for (int32_t i = silentTicks > 0 ? silentTicks : 0; i < dueTicks; ++i)
+    for (int32_t i = silentTicks > 0 ? silentTicks : 0; i < dueTicks; ++i) {
+        // Each tick learns its own frames, late or not, for the MIDI in them.
+        if (engine != nullptr) {
+            const int64_t k = nextTick - dueTicks + i;
+            engine->SetTickFrames(TickFrame(k, rate), TickFrame(k + 1, rate), rate);
+        }
         tick(context);
+    }
     if (tickObserver != nullptr)
         tickObserver(tickObserverContext, nextTick - 1);
     theEngineLock.unlock();

@@ -84,6 +84,7 @@ class AudioCallback {
     SilentTickFunction silent;
     void* context;
     Mixer& mixer;
+    Engine* engine = nullptr; // told each tick's frames, when ticks are the engine's
     TickObserver tickObserver = nullptr;
     void* tickObserverContext = nullptr;
 

@@ -85,6 +85,7 @@ void Engine::OnTimer() {
     KeyEvent key;
     for (int k = 0; k < KeysPerTick && keyQueue.Pop(key); ++k)
         OnKeyEvent(key.pressed, key.scanCode);
+    TakeMidi();
     CountClock();
 }
 

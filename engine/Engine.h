@@ -1,7 +1,11 @@
 #pragma once
 
+#include "engine/ClockFollower.h"
+#include "engine/MidiInbox.h"
+#include "engine/MidiMap.h"
 #include "engine/SpscRing.h"
 
+#include <atomic>
 #include <cstdint>
 
 class ClockDisplay;
@@ -33,6 +37,16 @@ class Engine {
     static constexpr int KeysPerTick = 3;
     static constexpr int ClockCells = 30;
     static constexpr int ClockPeriod = 32;
+    // MIDI producers, each with its own inbox: the JACK process thread and
+    // the ALSA sequencer's input thread.
+    static constexpr int MidiFromJack = 0;
+    static constexpr int MidiFromAlsa = 1;
+    static constexpr int MidiSources = 2;
+    // MIDI messages taken a tick at most; the rest wait, in order.
+    static constexpr int MidiPerTick = 32;
+    // A message stamped this far beyond the tick is from a clock that started
+    // again (a new output) and acts at once rather than wait for its frame.
+    static constexpr int64_t MidiStaleFrames = 65536;
 
     Engine();
     virtual ~Engine();
@@ -69,7 +83,8 @@ class Engine {
     }
 
     // One tick: every playhead advances, up to three queued key events run,
-    // and every 32nd tick the clock values go to the clock display.
+    // then the MIDI due in this tick, and every 32nd tick the clock values go
+    // to the clock display.
     // Audio thread, engine lock held: no waits, no allocation, no I/O.
     void OnTimer();
 
@@ -82,6 +97,37 @@ class Engine {
     // The first instrument's playhead, which clock and transport follow, or
     // null. Engine lock held.
     const Playhead* FirstPlayhead() const { return playheadCount > 0 ? playheads[0] : nullptr; }
+
+    // The producer thread of `source` (MidiFromJack or MidiFromAlsa),
+    // lock-free: queues a message for the tick of its frame (-1: the next
+    // tick). False when that source's inbox is full and the message is lost.
+    bool PostMidi(int source, int64_t frame, const MidiMessage& msg) {
+        return midiInboxes[source].Post(frame, msg);
+    }
+    // Any thread: messages lost to full inboxes since the start.
+    uint64_t MidiDropped() const;
+    // GUI thread: the next note-on or controller raised to 64 or more that a
+    // tick took, mapped or not, for learning a mapping. False when none.
+    bool TakeHeardMidi(MidiBinding& out) { return heardMidi.Pop(out); }
+
+    // Any thread: whether incoming MIDI clock sets the tempo and starts and
+    // stops the first instrument.
+    void SetFollowMidiClock(bool on) { followClock.store(on, std::memory_order_relaxed); }
+    bool FollowsMidiClock() const { return followClock.load(std::memory_order_relaxed); }
+    // Any thread: the step in milliseconds of the followed clock, 0 when
+    // there is none.
+    double FollowedStepMs() const { return clockFollower.StepMs(); }
+
+    // Audio thread, engine lock held, before each sounding tick: the frames
+    // the tick spans, [start, end), on a clock of `rate` frames a second.
+    // MIDI stamped before `end` acts in it, so MIDI of a tick that already
+    // ran acts in the next. Without it (ticks run by hand) every queued
+    // message is due.
+    void SetTickFrames(int64_t start, int64_t end, int32_t rate) {
+        tickStart = start;
+        tickEnd = end;
+        tickRate = rate;
+    }
 
     void SetClockDisplay(ClockDisplay* display) { clockDisplay = display; }
     void SetKeyTarget(KeyTarget* target) { keyTarget = target; }
@@ -99,9 +145,17 @@ class Engine {
     int32_t clockBeats[32] = {};
     int32_t clockIds[32] = {};
 
+    // Which key position each MIDI note and controller plays; read in the
+    // tick, changed with the engine lock held.
+    MidiMap midiMap;
+
   private:
     void CountClock();
     void ClockPass();
+    void TakeMidi();
+    void OnMidi(const StampedMidi& e);
+    void PlayBinding(MidiBinding b, uint8_t pressed);
+    void OnClockByte(uint8_t status, int64_t frame);
 
     SpscRing<KeyEvent, 256> keyQueue;
     KeyTarget* keyTarget = nullptr;
@@ -109,6 +163,16 @@ class Engine {
     void* keyWakeContext = nullptr;
     ClockDisplay* clockDisplay = nullptr;
     uint8_t keyBusy = 0;
+
+    MidiInbox midiInboxes[MidiSources];
+    SpscRing<MidiBinding, 16> heardMidi;
+    uint8_t controllerHigh[16][128] = {}; // each controller's last side of 64
+    ClockFollower clockFollower;
+    std::atomic<bool> followClock{false};
+    bool following = false; // as the tick last saw followClock
+    int64_t tickStart = 0;
+    int64_t tickEnd = INT64_MAX;
+    int32_t tickRate = 0;
 };
 
 // The one engine of the program, set up at start.

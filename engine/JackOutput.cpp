@@ -60,7 +60,9 @@ bool JackOutput::Open() {
     ports[1] =
         jack_port_register(client, "outport 1", JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, 0);
     midiPort = jack_port_register(client, "midi out", JACK_DEFAULT_MIDI_TYPE, JackPortIsOutput, 0);
-    if (ports[0] == nullptr || ports[1] == nullptr || midiPort == nullptr) {
+    midiInPort = jack_port_register(client, "midi in", JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, 0);
+    if (ports[0] == nullptr || ports[1] == nullptr || midiPort == nullptr ||
+        midiInPort == nullptr) {
         failure = "the JACK output ports could not be registered";
         return false;
     }
@@ -123,12 +125,14 @@ std::string JackOutput::Describe() const {
     return DescribeDevice("JACK", rate, PeriodFrames());
 }
 
-// Audio thread (JACK's process thread): renders interleaved stereo in chunks
-// and spreads it over the two ports; the MIDI clock's bytes of the period go
-// to "midi out". No waits, no allocation.
+// Audio thread (JACK's process thread): queues the period's MIDI input for
+// the ticks, renders interleaved stereo in chunks and spreads it over the two
+// ports; the MIDI clock's bytes of the period go to "midi out". No waits, no
+// allocation.
 int JackOutput::Process(jack_nframes_t frames, void* arg) {
     JackOutput& self = *static_cast<JackOutput*>(arg);
     self.processing.store(true);
+    self.ReadMidi(frames);
     self.midiBuffer = jack_port_get_buffer(self.midiPort, frames);
     jack_midi_clear_buffer(self.midiBuffer);
     const bool clockOn = self.clockOn.load(std::memory_order_relaxed);
@@ -151,6 +155,28 @@ int JackOutput::Process(jack_nframes_t frames, void* arg) {
         self.clock.EndPeriod();
     self.processing.store(false, std::memory_order_release);
     return 0;
+}
+
+// Audio thread: every message of the period on "midi in" goes to the engine
+// stamped with its frame, before the period's ticks run, so each acts in the
+// tick its frame falls in; when that tick began in an earlier period and has
+// run, in the next one.
+void JackOutput::ReadMidi(jack_nframes_t frames) {
+    void* in = jack_port_get_buffer(midiInPort, frames);
+    Engine* engine = theEngine;
+    if (in == nullptr || engine == nullptr)
+        return;
+    const int64_t start = static_cast<int64_t>(callback->FramesRendered());
+    const uint32_t count = jack_midi_get_event_count(in);
+    for (uint32_t i = 0; i < count; ++i) {
+        jack_midi_event_t e;
+        if (jack_midi_event_get(&e, in, i) != 0)
+            continue;
+        MidiMessage msg;
+        for (size_t b = 0; b < e.size; ++b)
+            if (midiParser.Feed(e.buffer[b], msg))
+                engine->PostMidi(Engine::MidiFromJack, start + e.time, msg);
+    }
 }
 
 // Audio thread, engine lock held (the callback's tick observer): the clock

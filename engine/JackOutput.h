@@ -3,6 +3,7 @@
 #include "engine/AudioOutput.h"
 #include "engine/JackTransport.h"
 #include "engine/MidiClock.h"
+#include "engine/MidiParser.h"
 
 #include <atomic>
 #include <cstdint>
@@ -12,8 +13,9 @@
 // The program's own JACK client, used whenever a JACK server runs: client
 // "oxbowlantern" with the audio output ports "outport 0" (left) and
 // "outport 1" (right), connected to the first two physical playback ports,
-// and the MIDI output port "midi out", which carries MIDI clock when it is
-// switched on. The server's rate and period are the output's.
+// the MIDI output port "midi out", which carries MIDI clock when it is
+// switched on, and the MIDI input port "midi in", whose messages go to the
+// engine stamped with their frames. The server's rate and period are the output's.
 //
 // A server that goes away reaches the client through its shutdown callback,
 // which only raises the flag that Lost reads; the GUI thread acts on it. The
@@ -52,10 +54,13 @@ class JackOutput : public AudioOutput {
     static void OnShutdown(jack_status_t code, const char* reason, void* self);
     static void OnTick(void* self, int64_t tick);
     static void WriteMidi(void* self, int32_t offset, uint8_t byte);
+    void ReadMidi(jack_nframes_t frames);
 
     jack_client_t* client = nullptr;
     jack_port_t* ports[2] = {};
     jack_port_t* midiPort = nullptr;
+    jack_port_t* midiInPort = nullptr;
+    MidiParser midiParser;      // the process thread's
     void* midiBuffer = nullptr; // the period's, in Process
     AudioCallback* callback = nullptr;
     int32_t rate = 0;

@@ -1,10 +1,11 @@
 # Sourced by the real-program tests; $work is their scratch folder.
 
-# start_jack NAME: a private JACK server on the dummy driver at 48 kHz and
-# 256-frame periods, stopped (and $work removed) when the script ends.
+# start_jack NAME [PERIOD]: a private JACK server on the dummy driver at
+# 48 kHz and periods of PERIOD frames (256 unless given), stopped (and $work
+# removed) when the script ends.
 start_jack() {
     export JACK_NO_AUDIO_RESERVATION=1 JACK_DEFAULT_SERVER="$1"
-    jackd -n "$1" -d dummy -r 48000 -p 256 >"$work/jackd.log" 2>&1 &
+    jackd -n "$1" -d dummy -r 48000 -p "${2:-256}" >"$work/jackd.log" 2>&1 &
     jack=$!
     trap 'kill $jack 2>/dev/null || true; rm -rf "$work"' EXIT
     sleep 1

@@ -19,10 +19,13 @@
 #include <QApplication>
 #include <QFile>
 #include <QStatusBar>
+#include <QTimer>
 #include <csignal>
 #include <cstdio>
+#include <fstream>
 #include <mutex>
 #include <pthread.h>
+#include <sstream>
 
 namespace {
 
@@ -63,6 +66,37 @@ void SaveAsForTest(CMainFrame& frame) {
     frame.instrumentPrompts = prompts;
 }
 
+// The MIDI map of --midi-map: each broken line is named and skipped. The map
+// is the engine's, set before the output starts.
+void LoadMidiMap(const SyncSwitches& sync, Engine& engine) {
+    if (sync.midiMapWithoutFile)
+        std::fputs("oxbowlantern: --midi-map needs a file\n", stderr);
+    if (sync.midiMapFile.empty())
+        return;
+    const char* name = sync.midiMapFile.c_str();
+    std::ifstream in(sync.midiMapFile);
+    if (!in) {
+        std::fprintf(stderr, "oxbowlantern: %s: cannot be read\n", name);
+        return;
+    }
+    std::ostringstream text;
+    text << in.rdbuf();
+    for (const std::string& broken : engine.midiMap.FromText(text.str()))
+        std::fprintf(stderr, "oxbowlantern: %s: %s\n", name, broken.c_str());
+}
+
+// While MIDI clock is followed, its tempo goes to every instrument whenever
+// the estimate changes; the poll runs on the GUI thread.
+void FollowClockTempo(QTimer& poll, ViewWidget& view) {
+    QObject::connect(&poll, &QTimer::timeout, &view, [&view, applied = 0.0]() mutable {
+        const double stepMs = theEngine->FollowsMidiClock() ? theEngine->FollowedStepMs() : 0.0;
+        if (stepMs > 0.0 && stepMs != applied)
+            view.SetTempoAll(stepMs);
+        applied = stepMs;
+    });
+    poll.start(100);
+}
+
 } // namespace
 
 int RunApplication(int argc, char** argv) {
@@ -85,6 +119,8 @@ int RunApplication(int argc, char** argv) {
     theEngine->SetKeyTarget(&keyMap);
     theClockDisplay = new ClockDisplay;
     theEngine->SetClockDisplay(theClockDisplay);
+    LoadMidiMap(sync, *theEngine);
+    theEngine->SetFollowMidiClock(sync.followMidiClock);
     SoundSystem* sounds = new SoundSystem;
     theSoundSystem = sounds;
     AudioCallback callback(theEngine, sounds->GetMixer());
@@ -112,8 +148,11 @@ int RunApplication(int argc, char** argv) {
     view->CreatePanels();
     LoadNamedFiles(argc, argv, *view, frame);
     SaveAsForTest(frame);
+    QTimer clockTempo;
+    FollowClockTempo(clockTempo, *view);
 
     const int code = app.exec();
+    clockTempo.stop();
 
     // No key reaches the queue once the engine is gone.
     keys.Stop();

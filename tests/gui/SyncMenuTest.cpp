@@ -95,11 +95,13 @@ TEST_F(SyncMenuTest, ItemsAreRememberedAndSwitchesLastOneRun) {
 
 TEST(SyncSwitches, AreTakenOutLeavingQtsOptionsAndFiles) {
     char a0[] = "ox", a1[] = "-platform", a2[] = "offscreen", a3[] = "--midi-clock", a4[] = "a.nst",
-         a5[] = "--link", a6[] = "--jack-transport", a7[] = "b.nst";
-    char* argv[] = {a0, a1, a2, a3, a4, a5, a6, a7, nullptr};
-    int argc = 8;
+         a5[] = "--link", a6[] = "--jack-transport", a7[] = "b.nst", a8[] = "--midi-map",
+         a9[] = "pads.map", a10[] = "--follow-midi-clock";
+    char* argv[] = {a0, a1, a2, a3, a4, a5, a6, a7, a8, a9, a10, nullptr};
+    int argc = 11;
     const SyncSwitches s = TakeSyncSwitches(argc, argv);
-    EXPECT_TRUE(s.midiClock && s.jackTransport && s.link);
+    EXPECT_TRUE(s.midiClock && s.jackTransport && s.link && s.followMidiClock);
+    EXPECT_EQ(s.midiMapFile, "pads.map");
     ASSERT_EQ(argc, 5);
     EXPECT_EQ(std::vector<std::string>(argv, argv + argc),
               (std::vector<std::string>{"ox", "-platform", "offscreen", "a.nst", "b.nst"}));

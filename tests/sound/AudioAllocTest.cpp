@@ -10,6 +10,7 @@
 #include "engine/AudioCallback.h"
 #include "engine/Engine.h"
 #include "engine/EngineLock.h"
+#include "engine/MidiParser.h"
 #include "engine/OfflineOutput.h"
 #include "engine/SequencerRow.h"
 #include "engine/SoundBuffer.h"
@@ -172,11 +173,24 @@ TEST(AudioThread, NeitherAllocatesNorFreesWhileTheGuiEditsAndPatternsSwitch) {
     OfflineOutput output(48000, 256);
     output.Start(callback);
     std::atomic<bool> done{false};
+    // MIDI comes in on the audio thread before each period, as from JACK:
+    // a mapped pad, a pedal up and down, and clock pulses followed for tempo.
+    engine.midiMap.Set({MidiBinding::Note, 10, 36}, 57);
+    engine.SetFollowMidiClock(true);
+    engine.SetTickFrames(0, INT64_MAX, 48000);
+    const uint8_t midi[] = {0x99, 36, 100, 0xF8, 36, 0, 0xB0, 64, 127, 0xF8, 0xB0, 64, 0};
     std::thread audio([&] {
         watched = pthread_self();
         watching = true;
-        while (!done.load(std::memory_order_acquire))
+        MidiParser parser;
+        while (!done.load(std::memory_order_acquire)) {
+            MidiMessage m;
+            for (size_t i = 0; i < std::size(midi); ++i)
+                if (parser.Feed(midi[i], m))
+                    engine.PostMidi(Engine::MidiFromJack,
+                                    static_cast<int64_t>(callback.FramesRendered() + 20 * i), m);
             output.PullPeriod();
+        }
         watching = false;
     });
     auto waitTicks = [&](uint64_t n) {
@@ -207,6 +221,7 @@ TEST(AudioThread, NeitherAllocatesNorFreesWhileTheGuiEditsAndPatternsSwitch) {
     output.Stop();
     EXPECT_EQ(allocations.load(), 0) << "allocations on the audio thread";
     EXPECT_EQ(frees.load(), 0) << "frees on the audio thread";
+    EXPECT_GT(engine.FollowedStepMs(), 0.0) << "the clock went by unheard";
     std::lock_guard<EngineMutex> hold(theEngineLock);
     engine.RemovePlayhead(instruments[0]->GetSchedule()->GetPlayhead());
     instruments.clear();
