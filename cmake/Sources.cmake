@@ -17,6 +17,7 @@ set(CORE_SOURCES
     engine/JackTransport.cpp
     engine/RtAudioOutput.cpp
     engine/AlsaClockOut.cpp
+    engine/AlsaMidiIn.cpp
     engine/OutputKeeper.cpp
     engine/ClockDisplay.cpp
     engine/SequencerRow.cpp

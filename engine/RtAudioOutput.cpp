@@ -112,6 +112,8 @@ bool RtAudioOutput::TryApi(int apiNumber, AudioCallback& c) {
         c.SetTickObserver(OnTick, this);
         audio->startStream();
         apiName = ApiLabel(api);
+        if (theEngine != nullptr)
+            midiIn.Open(*theEngine);
         return true;
     } catch (const RtAudioError& e) {
         Fail(api, e.getMessage());
@@ -136,6 +138,7 @@ void RtAudioOutput::Stop() {
             audio->closeStream();
     } catch (const RtAudioError&) {
     }
+    midiIn.Close();
     audio.reset();
     callback->SetTickObserver(nullptr, nullptr);
     callback = nullptr;
@@ -148,7 +151,9 @@ void RtAudioOutput::SetSync(bool midiClock, bool) {
 }
 
 std::string RtAudioOutput::SyncNote() const {
-    return alsaClock.IsOpen() ? std::string() : alsaClock.Failure();
+    const std::string in = midiIn.Failure();
+    const std::string out = alsaClock.IsOpen() ? std::string() : alsaClock.Failure();
+    return in.empty() || out.empty() ? in + out : in + "; " + out;
 }
 
 // Audio thread, engine lock held (the callback's tick observer).

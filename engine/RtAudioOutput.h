@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/AlsaClockOut.h"
+#include "engine/AlsaMidiIn.h"
 #include "engine/AudioOutput.h"
 #include "engine/MidiClock.h"
 
@@ -41,7 +42,7 @@ class RtAudioOutput : public AudioOutput {
 
     // GUI thread: MIDI clock on or off; the transport is JACK's alone.
     void SetSync(bool midiClock, bool transportMaster) override;
-    // Why the clock cannot be sent, or empty.
+    // Why MIDI cannot be sent or taken, or empty.
     std::string SyncNote() const override;
 
     // Any thread: periods the device reported as played too late.
@@ -68,6 +69,7 @@ class RtAudioOutput : public AudioOutput {
     std::atomic<bool> clockOn{false};
     MidiClock clock;
     AlsaClockOut alsaClock;
+    AlsaMidiIn midiIn;     // open while the stream is
     int64_t periodNs = 0;  // audio thread: when the period's first frame sounds
     int64_t latencyNs = 0; // the stream's latency, set at start
 };

@@ -11,6 +11,7 @@
 #include "ui/CMainFrame.h"
 #include "ui/KeyFeed.h"
 #include "ui/KeyMap.h"
+#include "ui/MidiMenu.h"
 #include "ui/SignalExit.h"
 #include "ui/SoundStatus.h"
 #include "ui/SyncMenu.h"
@@ -19,13 +20,10 @@
 #include <QApplication>
 #include <QFile>
 #include <QStatusBar>
-#include <QTimer>
 #include <csignal>
 #include <cstdio>
-#include <fstream>
 #include <mutex>
 #include <pthread.h>
-#include <sstream>
 
 namespace {
 
@@ -66,37 +64,6 @@ void SaveAsForTest(CMainFrame& frame) {
     frame.instrumentPrompts = prompts;
 }
 
-// The MIDI map of --midi-map: each broken line is named and skipped. The map
-// is the engine's, set before the output starts.
-void LoadMidiMap(const SyncSwitches& sync, Engine& engine) {
-    if (sync.midiMapWithoutFile)
-        std::fputs("oxbowlantern: --midi-map needs a file\n", stderr);
-    if (sync.midiMapFile.empty())
-        return;
-    const char* name = sync.midiMapFile.c_str();
-    std::ifstream in(sync.midiMapFile);
-    if (!in) {
-        std::fprintf(stderr, "oxbowlantern: %s: cannot be read\n", name);
-        return;
-    }
-    std::ostringstream text;
-    text << in.rdbuf();
-    for (const std::string& broken : engine.midiMap.FromText(text.str()))
-        std::fprintf(stderr, "oxbowlantern: %s: %s\n", name, broken.c_str());
-}
-
-// While MIDI clock is followed, its tempo goes to every instrument whenever
-// the estimate changes; the poll runs on the GUI thread.
-void FollowClockTempo(QTimer& poll, ViewWidget& view) {
-    QObject::connect(&poll, &QTimer::timeout, &view, [&view, applied = 0.0]() mutable {
-        const double stepMs = theEngine->FollowsMidiClock() ? theEngine->FollowedStepMs() : 0.0;
-        if (stepMs > 0.0 && stepMs != applied)
-            view.SetTempoAll(stepMs);
-        applied = stepMs;
-    });
-    poll.start(100);
-}
-
 } // namespace
 
 int RunApplication(int argc, char** argv) {
@@ -119,8 +86,8 @@ int RunApplication(int argc, char** argv) {
     theEngine->SetKeyTarget(&keyMap);
     theClockDisplay = new ClockDisplay;
     theEngine->SetClockDisplay(theClockDisplay);
-    LoadMidiMap(sync, *theEngine);
-    theEngine->SetFollowMidiClock(sync.followMidiClock);
+    if (sync.midiMapWithoutFile)
+        std::fputs("oxbowlantern: --midi-map needs a file\n", stderr);
     SoundSystem* sounds = new SoundSystem;
     theSoundSystem = sounds;
     AudioCallback callback(theEngine, sounds->GetMixer());
@@ -134,6 +101,7 @@ int RunApplication(int argc, char** argv) {
     }
     SoundStatus soundStatus(output, frame.statusBar());
     SyncMenu syncMenu(frame.syncMenu, sync, output);
+    MidiMenu midiMenu(frame.syncMenu, syncMenu.link, syncMenu.clock, frame, keyMap, sync);
     {
         std::lock_guard<EngineMutex> guard(theEngineLock);
         MainView* v = view->View();
@@ -148,11 +116,8 @@ int RunApplication(int argc, char** argv) {
     view->CreatePanels();
     LoadNamedFiles(argc, argv, *view, frame);
     SaveAsForTest(frame);
-    QTimer clockTempo;
-    FollowClockTempo(clockTempo, *view);
 
     const int code = app.exec();
-    clockTempo.stop();
 
     // No key reaches the queue once the engine is gone.
     keys.Stop();

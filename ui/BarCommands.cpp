@@ -65,10 +65,19 @@ void CMainFrame::OnTempoControl(int32_t mode, int32_t d) {
         static constexpr int32_t ticks[] = {1, 8, 32};
         commands->SkipAll(d * ticks[mode - 3]);
     }
+    ShowTempo(mode == 1 || mode == 2);
+}
+
+void CMainFrame::TakeTempo(double bpm) {
+    commands->SetTempoAll(60000.0 / bpm);
+    ShowTempo(true);
+}
+
+void CMainFrame::ShowTempo(bool moveSlider) {
     const double shown = 60000.0 / commands->TempoStepMs();
     SetField(timersBar->bpmField, Float(shown));
-    if (mode == 1 || mode == 2)
-        slider->setValue(TempoSliderPosition(shown));
+    if (moveSlider)
+        timersBar->tempoSlider->setValue(TempoSliderPosition(shown));
 }
 
 void CMainFrame::ConnectViewBar() {

@@ -48,6 +48,9 @@ class CMainFrame : public QMainWindow {
     // 2 a tenth of a BPM, each d times; 3, 4 and 5 every playhead d, 8 d and
     // 32 d ticks on. The BPM field then shows the first instrument's tempo.
     void OnTempoControl(int32_t mode, int32_t d);
+    // A tempo from outside (a clock being followed): every instrument takes
+    // it, and the timers bar's field and slider show it.
+    void TakeTempo(double bpm);
     // "LOAD WAVES", also the view's double click on an empty name cell: each
     // picked file becomes a line of the current instrument; the refused ones
     // are named in one message at the end.
@@ -109,6 +112,8 @@ class CMainFrame : public QMainWindow {
     // ui/BarCommands.cpp: the commands of the bars' controls.
     void ConnectTimersBar();
     void ConnectViewBar();
+    // The tempo in the timers bar's field; on its slider too when asked.
+    void ShowTempo(bool moveSlider);
     void ConnectLineBar();
     void ConnectInstrumentBar();
     void ConnectPatternBar();
