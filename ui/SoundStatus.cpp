@@ -1,5 +1,6 @@
 #include "ui/SoundStatus.h"
 
+#include "engine/Engine.h"
 #include "engine/OutputKeeper.h"
 
 #include <QLabel>
@@ -15,7 +16,13 @@ SoundStatus::SoundStatus(OutputKeeper& k, QStatusBar* bar)
     timer->start(1000);
 }
 
+// MIDI lost to a controller that floods the port is counted once there is
+// any, so that a performer sees why a pad went unheard.
 void SoundStatus::Refresh() {
     keeper.Check();
-    line->setText(QString::fromStdString(keeper.StatusText()));
+    std::string text = keeper.StatusText();
+    const uint64_t lost = theEngine != nullptr ? theEngine->MidiDropped() : 0;
+    if (lost > 0)
+        text += "    MIDI dropped: " + std::to_string(lost);
+    line->setText(QString::fromStdString(text));
 }
