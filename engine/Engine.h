@@ -79,6 +79,20 @@ class Engine {
     // dropped. Audio thread, engine lock held, when ticks ran very late.
     int32_t SilentTick();
 
+    // A start by Enter that waits for a bar of a session shared with other
+    // programs: hold says whether a start is to wait, due whether the tick
+    // being run is the one to start in. Both are asked in the tick.
+    struct StartGate {
+        bool (*hold)(void* context) = nullptr;
+        bool (*due)(void* context) = nullptr;
+        void* context = nullptr;
+    };
+    // With the engine lock held; a default gate holds nothing.
+    void SetStartGate(StartGate gate) { startGate = gate; }
+    // The key map, in the tick: true when the start by Enter is held; every
+    // highlighted sequencer then restarts in the tick that the gate says.
+    bool HoldStart();
+
     void SetClockDisplay(ClockDisplay* display) { clockDisplay = display; }
     void SetKeyTarget(KeyTarget* target) { keyTarget = target; }
 
@@ -98,6 +112,7 @@ class Engine {
   private:
     void CountClock();
     void ClockPass();
+    void RunHeldStart();
 
     SpscRing<KeyEvent, 256> keyQueue;
     KeyTarget* keyTarget = nullptr;
@@ -105,6 +120,8 @@ class Engine {
     void* keyWakeContext = nullptr;
     ClockDisplay* clockDisplay = nullptr;
     uint8_t keyBusy = 0;
+    StartGate startGate;
+    uint8_t startHeld = 0;
 };
 
 // The one engine of the program, set up at start.

@@ -2,6 +2,7 @@
 
 #include "engine/AudioCallback.h"
 #include "engine/Engine.h"
+#include "engine/LinkSync.h"
 
 #include <algorithm>
 #include <chrono>
@@ -41,6 +42,7 @@ bool JackOutput::Start(AudioCallback& c) {
     if (client != nullptr)
         jack_client_close(client);
     c.SetTickObserver(nullptr, nullptr);
+    c.SetTickPlacer(nullptr, nullptr);
     client = nullptr;
     callback = nullptr;
     return false;
@@ -72,6 +74,7 @@ bool JackOutput::Open() {
     callback->Prepare(rate);
     clock.Prepare(rate, WriteMidi, this);
     callback->SetTickObserver(OnTick, this);
+    callback->SetTickPlacer(PlaceTick, this);
     if (jack_activate(client) != 0) {
         failure = "the JACK client could not be activated";
         return false;
@@ -115,6 +118,7 @@ void JackOutput::Stop() {
         transport.Attach(nullptr);
     }
     callback->SetTickObserver(nullptr, nullptr);
+    callback->SetTickPlacer(nullptr, nullptr);
     client = nullptr;
     callback = nullptr;
 }
@@ -135,6 +139,9 @@ int JackOutput::Process(jack_nframes_t frames, void* arg) {
     if (clockOn)
         self.clock.BeginPeriod(static_cast<int64_t>(self.callback->FramesRendered()),
                                static_cast<int32_t>(frames));
+    self.periodLink = self.link.load(std::memory_order_acquire);
+    if (self.periodLink != nullptr)
+        self.BeginLinkPeriod(*self.periodLink, frames);
     float* left = static_cast<float*>(jack_port_get_buffer(self.ports[0], frames));
     float* right = static_cast<float*>(jack_port_get_buffer(self.ports[1], frames));
     const int32_t total = static_cast<int32_t>(frames);
@@ -160,8 +167,41 @@ void JackOutput::OnTick(void* arg, int64_t tick) {
     const Playhead* first =
         engine != nullptr && engine->playheadCount > 0 ? engine->playheads[0] : nullptr;
     JackOutput& self = *static_cast<JackOutput*>(arg);
-    self.clock.AfterTick(tick, first);
+    self.clock.AfterTick(tick, first, self.callback->CurrentFrame());
     self.transport.AfterTick(tick, first);
+    if (self.periodLink != nullptr)
+        self.periodLink->AfterTick(tick, first);
+}
+
+// Audio thread: the tick boundaries on the shared session's beats.
+int64_t JackOutput::PlaceTick(void* arg, int64_t tick, int64_t frame) {
+    LinkSync* session = static_cast<JackOutput*>(arg)->periodLink;
+    return session != nullptr ? session->PlaceTick(tick, frame) : -1;
+}
+
+// Audio thread: when the period's first frame reaches the speakers, on the
+// session's clock. JACK gives the cycle's start and the next one's on its
+// own clock, and the playback latency of the ports in frames; the offset
+// between the two clocks is read anew each period, so that they need not
+// share a time base.
+void JackOutput::BeginLinkPeriod(LinkSync& session, jack_nframes_t frames) {
+    jack_nframes_t cycleFrame = 0;
+    jack_time_t cycleStart = 0, nextStart = 0;
+    float periodMicros = 0.0f;
+    jack_latency_range_t latency{};
+    const int64_t first = static_cast<int64_t>(callback->FramesRendered());
+    if (jack_get_cycle_times(client, &cycleFrame, &cycleStart, &nextStart, &periodMicros) != 0 ||
+        nextStart <= cycleStart) {
+        session.BeginPeriod(first, static_cast<int32_t>(frames), 0.0, 0.0, rate);
+        return;
+    }
+    jack_port_get_latency_range(ports[0], JackPlaybackLatency, &latency);
+    const double offset =
+        static_cast<double>(session.Micros()) - static_cast<double>(jack_get_time());
+    const double perFrame = static_cast<double>(nextStart - cycleStart) / frames;
+    session.BeginPeriod(first, static_cast<int32_t>(frames),
+                        static_cast<double>(cycleStart) + offset + latency.max * perFrame, perFrame,
+                        rate);
 }
 
 // Audio thread: one byte into the period's MIDI buffer.

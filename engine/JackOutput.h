@@ -40,6 +40,7 @@ class JackOutput : public AudioOutput {
     void SetSync(bool midiClock, bool transportMaster) override;
     void FollowSync() override { transport.Follow(); }
     std::string SyncNote() const override { return transport.Note(); }
+    void SetLink(LinkSync* l) override { link.store(l, std::memory_order_release); }
 
   private:
     // Frames rendered at a time into the interleaved scratch buffer.
@@ -52,6 +53,8 @@ class JackOutput : public AudioOutput {
     static void OnShutdown(jack_status_t code, const char* reason, void* self);
     static void OnTick(void* self, int64_t tick);
     static void WriteMidi(void* self, int32_t offset, uint8_t byte);
+    static int64_t PlaceTick(void* self, int64_t tick, int64_t frame);
+    void BeginLinkPeriod(LinkSync& session, jack_nframes_t frames);
 
     jack_client_t* client = nullptr;
     jack_port_t* ports[2] = {};
@@ -65,6 +68,8 @@ class JackOutput : public AudioOutput {
     std::atomic<bool> clockOn{false};
     MidiClock clock;
     JackTransport transport;
+    std::atomic<LinkSync*> link{nullptr};
+    LinkSync* periodLink = nullptr; // the period's, in Process
     std::string failure;
     float scratch[2 * ChunkFrames] = {};
 };

@@ -27,5 +27,5 @@ std::string SyncUsage() {
            "beside what the Sync menu remembers:\n"
            "  --midi-clock      send MIDI clock on the JACK port \"midi out\"\n"
            "  --jack-transport  be the JACK transport's timebase master\n"
-           "  --link            Ableton Link (not available in this version)\n";
+           "  --link            share tempo and bars with Ableton Link peers\n";
 }
