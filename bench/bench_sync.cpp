@@ -2,6 +2,7 @@
 // begin and end and the tick observer of the one or two ticks inside it, with
 // the first instrument playing at 120 BPM (a pulse every 1000 frames).
 #include "engine/AudioCallback.h"
+#include "engine/Engine.h"
 #include "engine/JackTransport.h"
 #include "engine/LinkSync.h"
 #include "engine/MidiClock.h"
@@ -60,7 +61,9 @@ void BM_LinkClockTransportPeriod(benchmark::State& state) {
     MidiClock clock;
     clock.Prepare(Rate, Sink::Write, &sink);
     JackTransport transport;
+    Engine engine;
     Playhead playhead(nullptr);
+    engine.AddPlayhead(&playhead);
     playhead.lengthTicks = 1476;
     playhead.stepMs = 60000.0 / 130.0;
     playhead.running = 1;
@@ -78,7 +81,7 @@ void BM_LinkClockTransportPeriod(benchmark::State& state) {
             playhead.position = (playhead.position + 1) % playhead.lengthTicks;
             clock.AfterTick(tick, &playhead, boundary);
             transport.AfterTick(tick, &playhead);
-            session.AfterTick(tick, &playhead);
+            session.AfterTick(tick, &engine);
             const int64_t placed = session.PlaceTick(++tick, boundary);
             boundary = placed > boundary ? placed : boundary + 1;
         }

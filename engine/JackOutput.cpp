@@ -170,7 +170,7 @@ void JackOutput::OnTick(void* arg, int64_t tick) {
     self.clock.AfterTick(tick, first, self.callback->CurrentFrame());
     self.transport.AfterTick(tick, first);
     if (self.periodLink != nullptr)
-        self.periodLink->AfterTick(tick, first);
+        self.periodLink->AfterTick(tick, engine);
 }
 
 // Audio thread: the tick boundaries on the shared session's beats.

@@ -114,15 +114,27 @@ int64_t LinkSync::PlaceTick(int64_t tick, int64_t frame) {
     return at;
 }
 
-void LinkSync::AfterTick(int64_t tick, const Playhead* first) {
+void LinkSync::AfterTick(int64_t tick, const Engine* engine) {
     if (!periodOn || !grid.Anchored())
         return;
+    // The grid follows the first instrument in the registry that plays.
+    const Playhead* first = nullptr;
+    for (int32_t i = 0; engine != nullptr && i < engine->playheadCount && first == nullptr; ++i)
+        if (engine->playheads[i]->running != 0)
+            first = engine->playheads[i];
     TickGrid::First now;
-    if (first != nullptr && first->running != 0)
+    if (first != nullptr)
         now = {true, first->position, first->lengthTicks, first->stepMs};
-    const TickGrid::Pass pass = grid.Follow(tick, now, line.beatsPerFrame * framesPerTick);
-    if (pass == TickGrid::Pass::Started && Peers() == 0)
+    const double nominal = line.beatsPerFrame * framesPerTick;
+    const TickGrid::Pass pass = grid.Follow(tick, now, nominal);
+    if (heldStart) {
+        // The held start plays its first position on the bar.
+        heldStart = false;
+        const int64_t end = grid.AimTick();
+        grid.Aim(tick + 1, TickGrid::NearestBar(grid.BeatOf(tick + 1)), end, nominal);
+    } else if (pass == TickGrid::Pass::Started && Peers() == 0) {
         MoveBarTo(tick + 1);
+    }
 }
 
 // Audio thread: alone in the session, the start at tick `tick` becomes the
@@ -151,8 +163,11 @@ Engine::StartGate LinkSync::Gate() {
     // Audio thread, in the tick: due in the tick before the bar, or at once
     // when the grid is no longer on the session.
     gate.due = [](void* self) {
-        const LinkSync& s = *static_cast<const LinkSync*>(self);
-        return !s.periodOn || !s.grid.Anchored() || s.grid.BarAhead(s.lastPlaced);
+        LinkSync& s = *static_cast<LinkSync*>(self);
+        if (!s.periodOn || !s.grid.Anchored())
+            return true;
+        s.heldStart = s.grid.BarAhead(s.lastPlaced);
+        return s.heldStart;
     };
     return gate;
 }

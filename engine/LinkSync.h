@@ -8,15 +8,14 @@
 #include <memory>
 #include <string>
 
-class Playhead;
-
 // Tempo and bars shared with other programs over the network (Ableton Link,
 // a bar of 4 beats). Switched on, the program joins the session of the peers
 // it finds, or plays on alone. The GUI thread keeps the tempo one with the
 // session's; the JACK output lays the tick grid on the session's beats
-// (TickGrid), and a start by Enter while peers are present waits for the
-// session's next bar. Alone, a start of the first instrument moves the
-// session's bar onto it. The library's own headers stay in LinkSync.cpp.
+// (TickGrid) after the first instrument that plays, and a start by Enter
+// while peers are present waits for the session's next bar. Alone, a start
+// of that instrument moves the session's bar onto it. The library's own headers stay in
+// LinkSync.cpp.
 class LinkSync {
   public:
     LinkSync();
@@ -44,9 +43,9 @@ class LinkSync {
     // Audio thread: the frame at which tick `tick` begins, the tick before it
     // having begun at `frame`; -1 while switched off (the plain grid).
     int64_t PlaceTick(int64_t tick, int64_t frame);
-    // Audio thread, engine lock held: the first instrument's playhead (or
-    // null) as tick `tick` left it.
-    void AfterTick(int64_t tick, const Playhead* first);
+    // Audio thread, engine lock held: the instruments as tick `tick` left
+    // them.
+    void AfterTick(int64_t tick, const Engine* engine);
     // For the engine: a start by Enter held until the tick before a bar.
     Engine::StartGate Gate();
 
@@ -69,4 +68,5 @@ class LinkSync {
     BeatLine line;
     TickGrid grid;
     int64_t lastPlaced = 0; // the tick whose boundary was placed last
+    bool heldStart = false; // a held start ran in the tick being run
 };
