@@ -32,8 +32,10 @@ LinkSync::LinkSync() : session(std::make_unique<Session>()) {
         [this](std::size_t n) { peers.store(static_cast<int32_t>(n), std::memory_order_relaxed); });
 }
 
+// The session's threads go with it, before the counter they write to.
 LinkSync::~LinkSync() {
     session->link.enable(false);
+    session.reset();
 }
 
 void LinkSync::Enable(bool on) {
