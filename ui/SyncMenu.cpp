@@ -79,8 +79,9 @@ void SyncMenu::ApplyLink() {
     if (on == session.Enabled())
         return;
     if (on) {
-        agreedBpm = 60000.0 / tempo.stepMs();
-        session.SetSessionTempo(agreedBpm);
+        agreedLocal = 60000.0 / tempo.stepMs();
+        agreedShared = agreedLocal;
+        session.SetSessionTempo(agreedLocal);
         linkTimer->start(LinkMs);
     } else {
         linkTimer->stop();
@@ -88,16 +89,20 @@ void SyncMenu::ApplyLink() {
     session.Enable(on);
 }
 
-// A tempo command here wins over a peer's change in the same interval; a
-// tempo taken from the session is the agreed one, so it is not sent back.
+// A tempo command here wins over a peer's change in the same interval. A
+// tempo taken from the session is rounded to a thousandth (the session holds
+// a beat's length in whole microseconds: 130 BPM comes back as 130.00013);
+// both sides' values are then the agreed ones, so nothing is sent back.
 void SyncMenu::FollowLink() {
     const double local = 60000.0 / tempo.stepMs();
     const double shared = session.SessionTempo();
-    if (!SameTempo(local, agreedBpm)) {
+    if (!SameTempo(local, agreedLocal)) {
         session.SetSessionTempo(local);
-        agreedBpm = local;
-    } else if (!SameTempo(shared, agreedBpm)) {
-        tempo.set(60000.0 / shared);
-        agreedBpm = shared;
+        agreedLocal = local;
+        agreedShared = local;
+    } else if (!SameTempo(shared, agreedShared)) {
+        tempo.set(60000.0 / (std::round(shared * 1000.0) / 1000.0));
+        agreedLocal = 60000.0 / tempo.stepMs();
+        agreedShared = shared;
     }
 }

@@ -53,5 +53,6 @@ class SyncMenu : public QObject {
     Tempo tempo;
     QTimer* follow;
     QTimer* linkTimer;
-    double agreedBpm = 0.0; // the tempo both sides had last
+    double agreedLocal = 0.0; // the tempos each side had when they last agreed
+    double agreedShared = 0.0;
 };

@@ -104,7 +104,7 @@ TEST_F(SyncMenuTest, LinkKeepsOneTempoWithTheSession) {
     EXPECT_EQ(tempoSets, 0);
     session.SetSessionTempo(140.0);
     settle();
-    EXPECT_NEAR(60000.0 / stepMs, 140.0, 0.001);
+    EXPECT_DOUBLE_EQ(60000.0 / stepMs, 140.0) << "rounded to a thousandth";
     EXPECT_EQ(tempoSets, 1);
     settle();
     EXPECT_EQ(tempoSets, 1);
