@@ -70,6 +70,7 @@ bool JackOutput::Open() {
     period.store(static_cast<int32_t>(jack_get_buffer_size(client)), std::memory_order_relaxed);
     jack_set_process_callback(client, Process, this);
     jack_set_buffer_size_callback(client, OnBufferSize, this);
+    jack_set_latency_callback(client, OnLatency, this);
     jack_on_info_shutdown(client, OnShutdown, this);
     callback->Prepare(rate);
     clock.Prepare(rate, WriteMidi, this);
@@ -181,27 +182,26 @@ int64_t JackOutput::PlaceTick(void* arg, int64_t tick, int64_t frame) {
 
 // Audio thread: when the period's first frame reaches the speakers, on the
 // session's clock. JACK gives the cycle's start and the next one's on its
-// own clock, and the playback latency of the ports in frames; the offset
-// between the two clocks is read anew each period, so that they need not
-// share a time base.
+// own clock, and the latency callback the playback latency in frames; the
+// offset between the two clocks is read anew each period, so that they need
+// not share a time base (both read CLOCK_MONOTONIC_RAW here).
 void JackOutput::BeginLinkPeriod(LinkSync& session, jack_nframes_t frames) {
     jack_nframes_t cycleFrame = 0;
     jack_time_t cycleStart = 0, nextStart = 0;
     float periodMicros = 0.0f;
-    jack_latency_range_t latency{};
     const int64_t first = static_cast<int64_t>(callback->FramesRendered());
     if (jack_get_cycle_times(client, &cycleFrame, &cycleStart, &nextStart, &periodMicros) != 0 ||
         nextStart <= cycleStart) {
         session.BeginPeriod(first, static_cast<int32_t>(frames), 0.0, 0.0, rate);
         return;
     }
-    jack_port_get_latency_range(ports[0], JackPlaybackLatency, &latency);
     const double offset =
         static_cast<double>(session.Micros()) - static_cast<double>(jack_get_time());
     const double perFrame = static_cast<double>(nextStart - cycleStart) / frames;
     session.BeginPeriod(first, static_cast<int32_t>(frames),
-                        static_cast<double>(cycleStart) + offset + latency.max * perFrame, perFrame,
-                        rate);
+                        static_cast<double>(cycleStart) + offset +
+                            playbackLatency.load(std::memory_order_relaxed) * perFrame,
+                        perFrame, rate);
 }
 
 // Audio thread: one byte into the period's MIDI buffer.
@@ -215,6 +215,17 @@ int JackOutput::OnBufferSize(jack_nframes_t frames, void* arg) {
     static_cast<JackOutput*>(arg)->period.store(static_cast<int32_t>(frames),
                                                 std::memory_order_relaxed);
     return 0;
+}
+
+// JACK's thread, whenever the latencies of the graph change: the frames from
+// "outport 0" to the speakers, for laying ticks on a shared session's beats.
+void JackOutput::OnLatency(jack_latency_callback_mode_t mode, void* arg) {
+    JackOutput& self = *static_cast<JackOutput*>(arg);
+    if (mode != JackPlaybackLatency)
+        return;
+    jack_latency_range_t range{};
+    jack_port_get_latency_range(self.ports[0], JackPlaybackLatency, &range);
+    self.playbackLatency.store(range.max, std::memory_order_relaxed);
 }
 
 // JACK's thread, as from a signal handler: only raises the flag.

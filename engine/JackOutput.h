@@ -50,6 +50,7 @@ class JackOutput : public AudioOutput {
     void ConnectToPlayback();
     static int Process(jack_nframes_t frames, void* self);
     static int OnBufferSize(jack_nframes_t frames, void* self);
+    static void OnLatency(jack_latency_callback_mode_t mode, void* self);
     static void OnShutdown(jack_status_t code, const char* reason, void* self);
     static void OnTick(void* self, int64_t tick);
     static void WriteMidi(void* self, int32_t offset, uint8_t byte);
@@ -63,6 +64,7 @@ class JackOutput : public AudioOutput {
     AudioCallback* callback = nullptr;
     int32_t rate = 0;
     std::atomic<int32_t> period{0};
+    std::atomic<jack_nframes_t> playbackLatency{0};
     std::atomic<bool> lost{false};
     std::atomic<bool> processing{false}; // while Process runs
     std::atomic<bool> clockOn{false};
