@@ -1,6 +1,7 @@
 #include "engine/LinkSync.h"
 
 #include "engine/Playhead.h"
+#include "engine/TickTime.h"
 
 #include <ableton/Link.hpp>
 
@@ -75,7 +76,7 @@ void LinkSync::BeginPeriod(int64_t frame, int32_t frames, double hostMicros, dou
     periodFrame = frame;
     periodMicros = hostMicros;
     microsPerFrame = perFrame;
-    framesPerTick = static_cast<double>(rate) / 200.0;
+    framesPerTick = static_cast<double>(rate) / TickTime::TicksPerSecond;
     session->state = session->link.captureAudioSessionState();
     LineFromSession();
 }
