@@ -15,6 +15,8 @@ set(CORE_SOURCES
     engine/JackOutput.cpp
     engine/MidiClock.cpp
     engine/JackTransport.cpp
+    engine/LinkGrid.cpp
+    engine/LinkSync.cpp
     engine/RtAudioOutput.cpp
     engine/AlsaClockOut.cpp
     engine/AlsaMidiIn.cpp

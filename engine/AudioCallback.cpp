@@ -46,6 +46,8 @@ void AudioCallback::Prepare(int32_t sampleRate) {
     frame = 0;
     nextTick = 0;
     nextBoundary = 0;
+    gridTick = 0;
+    gridFrame = 0;
     dueTicks = 0;
     ticksRun.store(0, std::memory_order_relaxed);
     lateTicks.store(0, std::memory_order_relaxed);
@@ -116,6 +118,17 @@ void AudioCallback::RunDueTicks() {
     dueTicks = 0;
 }
 
+// Audio thread: after the ticks of a boundary ran, so that a placer sees
+// what they did.
+int64_t AudioCallback::NextBoundary() {
+    const int64_t placed = placer != nullptr ? placer(placerContext, nextTick, frame) : -1;
+    if (placed < 0)
+        return gridFrame + TickFrame(nextTick - gridTick, rate);
+    gridTick = nextTick;
+    gridFrame = placed > frame ? placed : frame;
+    return gridFrame;
+}
+
 void AudioCallback::Render(float* out, int32_t frames) {
     retryBudget = static_cast<int64_t>(frames) * 1000000000 / (RetryShare * rate);
     int32_t done = 0;
@@ -123,8 +136,8 @@ void AudioCallback::Render(float* out, int32_t frames) {
         if (frame == nextBoundary) {
             ++dueTicks;
             ++nextTick;
-            nextBoundary = TickFrame(nextTick, rate);
             RunDueTicks();
+            nextBoundary = NextBoundary();
         }
         mixer.ApplyCommands();
         const int64_t left = frames - done;

@@ -57,6 +57,9 @@ class AudioCallback {
     }
 
     int32_t SampleRate() const { return rate; }
+    // Audio thread: the frame being rendered; in a tick observer, the latest
+    // tick's boundary.
+    int64_t CurrentFrame() const { return frame; }
 
     // Called after each run of due ticks, with the engine lock still held and
     // the number of the latest tick; its boundary is the frame being rendered.
@@ -66,6 +69,18 @@ class AudioCallback {
     void SetTickObserver(TickObserver observer, void* observerContext) {
         tickObserver = observer;
         tickObserverContext = observerContext;
+    }
+
+    // Lays the tick boundaries on another clock than the device's frames
+    // (a session shared with other programs): given a tick and the frame at
+    // which the tick before it began, returns the frame at which it begins,
+    // or -1 for the plain grid, which then goes on from the last placed
+    // tick. A frame already passed makes the tick due at once. Set before
+    // the output starts. Audio thread: called once per boundary.
+    using TickPlacer = int64_t (*)(void* context, int64_t tick, int64_t frame);
+    void SetTickPlacer(TickPlacer tickPlacer, void* context) {
+        placer = tickPlacer;
+        placerContext = context;
     }
 
     // Any thread (a status bar reads them): counters since Prepare. Late
@@ -79,6 +94,7 @@ class AudioCallback {
   private:
     void RunDueTicks();
     bool TryLock();
+    int64_t NextBoundary();
 
     TickFunction tick;
     SilentTickFunction silent;
@@ -87,14 +103,18 @@ class AudioCallback {
     Engine* engine = nullptr; // told each tick's frames, when ticks are the engine's
     TickObserver tickObserver = nullptr;
     void* tickObserverContext = nullptr;
+    TickPlacer placer = nullptr;
+    void* placerContext = nullptr;
 
     // Audio thread only, after Prepare.
     int32_t rate = 48000;
     int64_t frame = 0;        // frames rendered since Prepare
     int64_t nextTick = 0;     // the tick whose boundary comes next
     int64_t nextBoundary = 0; // its frame
-    int32_t dueTicks = 0;     // ticks whose boundary passed and that have not run
-    int64_t retryBudget = 0;  // nanoseconds of lock retries left in this buffer
+    int64_t gridTick = 0;     // the plain grid: this tick at gridFrame
+    int64_t gridFrame = 0;
+    int32_t dueTicks = 0;    // ticks whose boundary passed and that have not run
+    int64_t retryBudget = 0; // nanoseconds of lock retries left in this buffer
 
     std::atomic<uint64_t> ticksRun{0};
     std::atomic<uint64_t> lateTicks{0};

@@ -4,6 +4,7 @@
 #include <string>
 
 class AudioCallback;
+class LinkSync;
 
 // Where the program's frames go: a sound device, or a test pulling them by
 // hand. The output calls AudioCallback::Prepare with its rate, then Render
@@ -37,6 +38,9 @@ class AudioOutput {
     virtual void FollowSync() {}
     // GUI thread: how the transport stands, for the status line, or empty.
     virtual std::string SyncNote() const { return {}; }
+    // GUI thread: the shared session whose beats the ticks are laid on, or
+    // null; kept over Stop and Start. Outputs without it ignore this.
+    virtual void SetLink(LinkSync* /*link*/) {}
 };
 
 // The one line that Describe gives: "JACK, 48000 Hz, 256 frames (5.3 ms)".

@@ -86,7 +86,27 @@ void Engine::OnTimer() {
     for (int k = 0; k < KeysPerTick && keyQueue.Pop(key); ++k)
         OnKeyEvent(key.pressed, key.scanCode);
     TakeMidi();
+    if (startHeld)
+        RunHeldStart();
     CountClock();
+}
+
+bool Engine::HoldStart() {
+    if (startGate.hold == nullptr || !startGate.hold(startGate.context))
+        return false;
+    startHeld = 1;
+    return true;
+}
+
+// Audio thread, engine lock held: the held start, once due, restarts what is
+// highlighted then.
+void Engine::RunHeldStart() {
+    if (startGate.due != nullptr && !startGate.due(startGate.context))
+        return;
+    startHeld = 0;
+    if (highlightMode == 2)
+        for (int i = 0; i < highlightCount; ++i)
+            highlightedSequencers[i]->Restart();
 }
 
 int32_t Engine::SilentTick() {

@@ -128,6 +128,19 @@ class Engine {
         tickEnd = end;
         tickRate = rate;
     }
+    // A start by Enter that waits for a bar of a session shared with other
+    // programs: hold says whether a start is to wait, due whether the tick
+    // being run is the one to start in. Both are asked in the tick.
+    struct StartGate {
+        bool (*hold)(void* context) = nullptr;
+        bool (*due)(void* context) = nullptr;
+        void* context = nullptr;
+    };
+    // With the engine lock held; a default gate holds nothing.
+    void SetStartGate(StartGate gate) { startGate = gate; }
+    // The key map, in the tick: true when the start by Enter is held; every
+    // highlighted sequencer then restarts in the tick that the gate says.
+    bool HoldStart();
 
     void SetClockDisplay(ClockDisplay* display) { clockDisplay = display; }
     void SetKeyTarget(KeyTarget* target) { keyTarget = target; }
@@ -156,6 +169,7 @@ class Engine {
     void OnMidi(const StampedMidi& e);
     void PlayBinding(MidiBinding b, uint8_t pressed);
     void OnClockByte(uint8_t status, int64_t frame);
+    void RunHeldStart();
 
     SpscRing<KeyEvent, 256> keyQueue;
     KeyTarget* keyTarget = nullptr;
@@ -173,6 +187,8 @@ class Engine {
     int64_t tickStart = 0;
     int64_t tickEnd = INT64_MAX;
     int32_t tickRate = 0;
+    StartGate startGate;
+    uint8_t startHeld = 0;
 };
 
 // The one engine of the program, set up at start.

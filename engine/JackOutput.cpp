@@ -2,6 +2,7 @@
 
 #include "engine/AudioCallback.h"
 #include "engine/Engine.h"
+#include "engine/LinkSync.h"
 
 #include <algorithm>
 #include <chrono>
@@ -41,6 +42,7 @@ bool JackOutput::Start(AudioCallback& c) {
     if (client != nullptr)
         jack_client_close(client);
     c.SetTickObserver(nullptr, nullptr);
+    c.SetTickPlacer(nullptr, nullptr);
     client = nullptr;
     callback = nullptr;
     return false;
@@ -70,10 +72,12 @@ bool JackOutput::Open() {
     period.store(static_cast<int32_t>(jack_get_buffer_size(client)), std::memory_order_relaxed);
     jack_set_process_callback(client, Process, this);
     jack_set_buffer_size_callback(client, OnBufferSize, this);
+    jack_set_latency_callback(client, OnLatency, this);
     jack_on_info_shutdown(client, OnShutdown, this);
     callback->Prepare(rate);
     clock.Prepare(rate, WriteMidi, this);
     callback->SetTickObserver(OnTick, this);
+    callback->SetTickPlacer(PlaceTick, this);
     if (jack_activate(client) != 0) {
         failure = "the JACK client could not be activated";
         return false;
@@ -117,6 +121,7 @@ void JackOutput::Stop() {
         transport.Attach(nullptr);
     }
     callback->SetTickObserver(nullptr, nullptr);
+    callback->SetTickPlacer(nullptr, nullptr);
     client = nullptr;
     callback = nullptr;
 }
@@ -139,6 +144,9 @@ int JackOutput::Process(jack_nframes_t frames, void* arg) {
     if (clockOn)
         self.clock.BeginPeriod(static_cast<int64_t>(self.callback->FramesRendered()),
                                static_cast<int32_t>(frames));
+    self.periodLink = self.link.load(std::memory_order_acquire);
+    if (self.periodLink != nullptr)
+        self.BeginLinkPeriod(*self.periodLink, frames);
     float* left = static_cast<float*>(jack_port_get_buffer(self.ports[0], frames));
     float* right = static_cast<float*>(jack_port_get_buffer(self.ports[1], frames));
     const int32_t total = static_cast<int32_t>(frames);
@@ -184,8 +192,40 @@ void JackOutput::ReadMidi(jack_nframes_t frames) {
 void JackOutput::OnTick(void* arg, int64_t tick) {
     const Playhead* first = theEngine != nullptr ? theEngine->FirstPlayhead() : nullptr;
     JackOutput& self = *static_cast<JackOutput*>(arg);
-    self.clock.AfterTick(tick, first);
+    self.clock.AfterTick(tick, first, self.callback->CurrentFrame());
     self.transport.AfterTick(tick, first);
+    if (self.periodLink != nullptr)
+        self.periodLink->AfterTick(tick, theEngine);
+}
+
+// Audio thread: the tick boundaries on the shared session's beats.
+int64_t JackOutput::PlaceTick(void* arg, int64_t tick, int64_t frame) {
+    LinkSync* session = static_cast<JackOutput*>(arg)->periodLink;
+    return session != nullptr ? session->PlaceTick(tick, frame) : -1;
+}
+
+// Audio thread: when the period's first frame reaches the speakers, on the
+// session's clock. JACK gives the cycle's start and the next one's on its
+// own clock, and the latency callback the playback latency in frames; the
+// offset between the two clocks is read anew each period, so that they need
+// not share a time base (both read CLOCK_MONOTONIC_RAW here).
+void JackOutput::BeginLinkPeriod(LinkSync& session, jack_nframes_t frames) {
+    jack_nframes_t cycleFrame = 0;
+    jack_time_t cycleStart = 0, nextStart = 0;
+    float periodMicros = 0.0f;
+    const int64_t first = static_cast<int64_t>(callback->FramesRendered());
+    if (jack_get_cycle_times(client, &cycleFrame, &cycleStart, &nextStart, &periodMicros) != 0 ||
+        nextStart <= cycleStart) {
+        session.BeginPeriod(first, static_cast<int32_t>(frames), 0.0, 0.0, rate);
+        return;
+    }
+    const double offset =
+        static_cast<double>(session.Micros()) - static_cast<double>(jack_get_time());
+    const double perFrame = static_cast<double>(nextStart - cycleStart) / frames;
+    session.BeginPeriod(first, static_cast<int32_t>(frames),
+                        static_cast<double>(cycleStart) + offset +
+                            playbackLatency.load(std::memory_order_relaxed) * perFrame,
+                        perFrame, rate);
 }
 
 // Audio thread: one byte into the period's MIDI buffer.
@@ -199,6 +239,17 @@ int JackOutput::OnBufferSize(jack_nframes_t frames, void* arg) {
     static_cast<JackOutput*>(arg)->period.store(static_cast<int32_t>(frames),
                                                 std::memory_order_relaxed);
     return 0;
+}
+
+// JACK's thread, whenever the latencies of the graph change: the frames from
+// "outport 0" to the speakers, for laying ticks on a shared session's beats.
+void JackOutput::OnLatency(jack_latency_callback_mode_t mode, void* arg) {
+    JackOutput& self = *static_cast<JackOutput*>(arg);
+    if (mode != JackPlaybackLatency)
+        return;
+    jack_latency_range_t range{};
+    jack_port_get_latency_range(self.ports[0], JackPlaybackLatency, &range);
+    self.playbackLatency.store(range.max, std::memory_order_relaxed);
 }
 
 // JACK's thread, as from a signal handler: only raises the flag.

@@ -42,6 +42,7 @@ class JackOutput : public AudioOutput {
     void SetSync(bool midiClock, bool transportMaster) override;
     void FollowSync() override { transport.Follow(); }
     std::string SyncNote() const override { return transport.Note(); }
+    void SetLink(LinkSync* l) override { link.store(l, std::memory_order_release); }
 
   private:
     // Frames rendered at a time into the interleaved scratch buffer.
@@ -51,10 +52,13 @@ class JackOutput : public AudioOutput {
     void ConnectToPlayback();
     static int Process(jack_nframes_t frames, void* self);
     static int OnBufferSize(jack_nframes_t frames, void* self);
+    static void OnLatency(jack_latency_callback_mode_t mode, void* self);
     static void OnShutdown(jack_status_t code, const char* reason, void* self);
     static void OnTick(void* self, int64_t tick);
     static void WriteMidi(void* self, int32_t offset, uint8_t byte);
     void ReadMidi(jack_nframes_t frames);
+    static int64_t PlaceTick(void* self, int64_t tick, int64_t frame);
+    void BeginLinkPeriod(LinkSync& session, jack_nframes_t frames);
 
     jack_client_t* client = nullptr;
     jack_port_t* ports[2] = {};
@@ -65,11 +69,14 @@ class JackOutput : public AudioOutput {
     AudioCallback* callback = nullptr;
     int32_t rate = 0;
     std::atomic<int32_t> period{0};
+    std::atomic<jack_nframes_t> playbackLatency{0};
     std::atomic<bool> lost{false};
     std::atomic<bool> processing{false}; // while Process runs
     std::atomic<bool> clockOn{false};
     MidiClock clock;
     JackTransport transport;
+    std::atomic<LinkSync*> link{nullptr};
+    LinkSync* periodLink = nullptr; // the period's, in Process
     std::string failure;
     float scratch[2 * ChunkFrames] = {};
 };

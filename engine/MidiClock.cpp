@@ -38,10 +38,11 @@ void MidiClock::EndPeriod() {
 // The tick is seen where it already holds the engine lock, so the clock
 // reads the playhead without a lock of its own and sees every tick's
 // boundary, which is where a pass starts.
-void MidiClock::AfterTick(int64_t tick, const Playhead* first) {
+void MidiClock::AfterTick(int64_t tick, const Playhead* first, int64_t frame) {
     if (!inPeriod)
         return;
-    const int64_t now = AudioCallback::TickFrame(tick, rate);
+    const int64_t now = frame >= 0 ? frame : AudioCallback::TickFrame(tick, rate);
+    shift = now - AudioCallback::TickFrame(tick, rate);
     EmitUntil(now);
     if (first == nullptr || first->running == 0) {
         if (playing)
@@ -78,7 +79,7 @@ void MidiClock::AfterTick(int64_t tick, const Playhead* first) {
 // until then; a start already past goes on with the first pulse from now.
 void MidiClock::Anchor(int64_t startTick, int64_t now) {
     passStartTick = startTick;
-    const int64_t start = AudioCallback::TickFrame(startTick, rate);
+    const int64_t start = AudioCallback::TickFrame(startTick, rate) + shift;
     if (start > now) {
         pendingStart = start;
         return;

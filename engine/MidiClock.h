@@ -43,8 +43,10 @@ class MidiClock {
     // period without it.
     void BeginPeriod(int64_t frame, int32_t frames);
     // Audio thread, engine lock held, inside the period: the first
-    // instrument's playhead (or null) as tick `tick` left it.
-    void AfterTick(int64_t tick, const Playhead* first);
+    // instrument's playhead (or null) as tick `tick` left it; `frame` is the
+    // tick's boundary when the ticks are not on the plain grid (a shared
+    // session's), and other ticks are taken at the plain spacing from it.
+    void AfterTick(int64_t tick, const Playhead* first, int64_t frame = -1);
     // Audio thread: the rest of the period's pulses; a period that does not
     // call this is one without the clock.
     void EndPeriod();
@@ -74,4 +76,5 @@ class MidiClock {
     double originFraction = 0.0;
     int64_t next = 0;          // the next pulse to send
     int64_t pendingStart = -1; // a pass that begins at this later frame
+    int64_t shift = 0;         // the latest tick's frame less its plain grid frame
 };

@@ -2,6 +2,7 @@
 
 #include "engine/AudioCallback.h"
 #include "engine/JackOutput.h"
+#include "engine/LinkSync.h"
 #include "engine/RtAudioOutput.h"
 
 namespace {
@@ -80,9 +81,17 @@ void OutputKeeper::SetSync(bool midiClock, bool transportMaster) {
         output->SetSync(midiClock, transportMaster);
 }
 
+void OutputKeeper::SetLink(LinkSync* l) {
+    link = l;
+    for (const std::unique_ptr<AudioOutput>& output : outputs)
+        output->SetLink(l);
+}
+
 std::string OutputKeeper::StatusText() const {
     if (current != nullptr) {
-        const std::string sync = current->SyncNote();
+        std::string sync = current->SyncNote();
+        if (link != nullptr && link->Enabled())
+            sync += (sync.empty() ? "" : "    ") + link->Note();
         return "Sound: " + current->Describe() + "    " + CountsText() +
                (sync.empty() ? "" : "    " + sync);
     }

@@ -8,6 +8,7 @@
 #include <vector>
 
 class AudioCallback;
+class LinkSync;
 
 // Keeps the program's sound output open. Opens the first output that works,
 // in order: the program's own JACK client, then RtAudio (PulseAudio, then
@@ -38,6 +39,9 @@ class OutputKeeper {
     void Close();
     // MIDI clock and leading the JACK transport, for every output.
     void SetSync(bool midiClock, bool transportMaster);
+    // The shared session for every output, or null; its peers go on the
+    // status line while it is switched on.
+    void SetLink(LinkSync* link);
     // Every few tens of milliseconds: the transport follows the first
     // instrument.
     void FollowSync() {
@@ -63,6 +67,7 @@ class OutputKeeper {
     AudioCallback& callback;
     Outputs outputs;
     AudioOutput* current = nullptr;
+    LinkSync* link = nullptr;
     uint64_t lateBefore = 0;    // late ticks of the outputs before the current one
     uint64_t droppedBefore = 0; // and their dropped notes
     std::string lostOutput;     // the system of the output that went away

@@ -33,7 +33,7 @@ std::string SyncUsage() {
            "beside what the Sync menu remembers:\n"
            "  --midi-clock         send MIDI clock on the JACK port \"midi out\"\n"
            "  --jack-transport     be the JACK transport's timebase master\n"
-           "  --link               Ableton Link (not available in this version)\n"
+           "  --link               share tempo and bars with Ableton Link peers\n"
            "  --follow-midi-clock  take the tempo, start and stop from incoming MIDI clock\n"
            "  --midi-map FILE      play keys by MIDI notes and controllers as FILE maps them\n";
 }

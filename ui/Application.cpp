@@ -4,6 +4,7 @@
 #include "engine/ClockDisplay.h"
 #include "engine/Engine.h"
 #include "engine/EngineLock.h"
+#include "engine/LinkSync.h"
 #include "engine/OutputKeeper.h"
 #include "engine/SoundSystem.h"
 #include "engine/SyncSwitches.h"
@@ -69,8 +70,6 @@ void SaveAsForTest(CMainFrame& frame) {
 int RunApplication(int argc, char** argv) {
     BlockStopSignals();
     const SyncSwitches sync = TakeSyncSwitches(argc, argv);
-    if (sync.link)
-        std::fputs("oxbowlantern: Ableton Link is not available in this version\n", stderr);
     QApplication app(argc, argv);
 
     ViewWidget* view = new ViewWidget; // the frame owns it
@@ -91,6 +90,7 @@ int RunApplication(int argc, char** argv) {
     SoundSystem* sounds = new SoundSystem;
     theSoundSystem = sounds;
     AudioCallback callback(theEngine, sounds->GetMixer());
+    LinkSync link; // outlives the output that lays the ticks on it
     OutputKeeper output(callback);
     if (!output.Open()) {
         std::fprintf(stderr,
@@ -100,7 +100,18 @@ int RunApplication(int argc, char** argv) {
         return 255;
     }
     SoundStatus soundStatus(output, frame.statusBar());
-    SyncMenu syncMenu(frame.syncMenu, sync, output);
+    // A tempo taken from a shared session acts as a tempo command does.
+    SyncMenu::Tempo tempo{[view] { return view->TempoStepMs(); },
+                          [view, &frame](double stepMs) {
+                              view->SetTempoAll(stepMs);
+                              if (frame.barState == CMainFrame::TimersBarUp)
+                                  frame.ShowTimersBar();
+                          }};
+    SyncMenu syncMenu(frame.syncMenu, sync, output, link, tempo);
+    {
+        std::lock_guard<EngineMutex> guard(theEngineLock);
+        theEngine->SetStartGate(link.Gate());
+    }
     MidiMenu midiMenu(frame.syncMenu, syncMenu.link, syncMenu.clock, frame, keyMap, sync);
     {
         std::lock_guard<EngineMutex> guard(theEngineLock);
@@ -131,6 +142,7 @@ int RunApplication(int argc, char** argv) {
     }
     view->DeleteView();
     output.Close();
+    theEngine->SetStartGate({});
     theSoundSystem = nullptr;
     delete sounds;
     delete theEngine;

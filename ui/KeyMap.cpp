@@ -163,7 +163,7 @@ void KeyMap::ForEachSequencer(void (*action)(SequencerRow*, uint32_t), uint32_t 
 void KeyMap::PressSequencers(uint32_t code) {
     if (IsTopDigit(code) || NumpadDigit(code) != 0 || code == Numpad0 || code == Add)
         ForEachSequencer([](SequencerRow* s, uint32_t c) { s->OnKey(c); }, code);
-    else if (code == Return && !shiftDown)
+    else if (code == Return && !shiftDown && !engine->HoldStart())
         ForEachSequencer([](SequencerRow* s, uint32_t) { s->Restart(); }, code);
     else if (IsCueKey(code))
         ForEachSequencer([](SequencerRow* s, uint32_t c) { s->SetCueMode(c - F5); }, code);

@@ -1,8 +1,9 @@
-// The Sync menu: its items with Link greyed, the items remembered
-// between runs, the command-line switches for one run, and what reaches the
-// outputs.
+// The Sync menu: its items, the items remembered between runs, the
+// command-line switches for one run, what reaches the outputs, and the tempo
+// kept one with a shared session's.
 #include "ui/SyncMenu.h"
 #include "engine/AudioCallback.h"
+#include "engine/LinkSync.h"
 #include "engine/Mixer.h"
 #include "engine/OutputKeeper.h"
 
@@ -13,6 +14,8 @@
 #include <QMenu>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
 
 namespace {
 
@@ -41,6 +44,10 @@ class SyncMenuTest : public testing::Test {
         static char* argv[] = {name, nullptr};
         app = new QApplication(argc, argv);
         QStandardPaths::setTestModeEnabled(true);
+        // The cases run side by side in processes of their own: each keeps
+        // its settings apart.
+        static QTemporaryDir settings;
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
     }
     void SetUp() override {
         QSettings(QStringLiteral("oxbowlantern"), QStringLiteral("oxbowlantern")).clear();
@@ -54,24 +61,62 @@ class SyncMenuTest : public testing::Test {
     AudioCallback callback{nullptr, mixer};
     bool clock = false, transport = false;
     std::unique_ptr<OutputKeeper> keeper;
+    LinkSync session;
+    double stepMs = 500.0;
+    int tempoSets = 0;
+    SyncMenu::Tempo tempo{[this] { return stepMs; },
+                          [this](double s) {
+                              stepMs = s;
+                              ++tempoSets;
+                          }};
 };
 QApplication* SyncMenuTest::app = nullptr;
 
-TEST_F(SyncMenuTest, HasItsItemsWithLinkGreyed) {
+TEST_F(SyncMenuTest, HasItsItems) {
     QMenu bar;
-    SyncMenu menu(&bar, SyncSwitches{}, *keeper);
+    SyncMenu menu(&bar, SyncSwitches{}, *keeper, session, tempo);
     QStringList items;
     for (QAction* a : bar.actions())
         items << a->text();
     EXPECT_EQ(items, QStringList({"Ableton Link", "Send MIDI Clock", "JACK Transport Master"}));
-    EXPECT_FALSE(menu.link->isEnabled());
-    EXPECT_EQ(menu.link->toolTip(), "Ableton Link is not available in this version");
+    EXPECT_TRUE(menu.link->isEnabled() && menu.link->isCheckable());
+}
+
+// Link on: the session starts from the instruments' tempo; a tempo command
+// here reaches the session, a session's change reaches the instruments, and
+// neither comes back as a change of its own.
+TEST_F(SyncMenuTest, LinkKeepsOneTempoWithTheSession) {
+    QMenu bar;
+    stepMs = 60000.0 / 130.0;
+    SyncMenu menu(&bar, SyncSwitches{}, *keeper, session, tempo);
+    ASSERT_TRUE(keeper->Open());
+    menu.link->trigger();
+    ASSERT_TRUE(session.Enabled());
+    EXPECT_NEAR(session.SessionTempo(), 130.0, 0.001);
+    EXPECT_NE(keeper->StatusText().find("Link: 0 peers"), std::string::npos);
+    const auto settle = [] {
+        for (int i = 0; i < 4; ++i)
+            QTest::qWait(SyncMenu::LinkMs);
+    };
+    stepMs = 60000.0 / 97.3;
+    settle();
+    EXPECT_NEAR(session.SessionTempo(), 97.3, 0.001);
+    EXPECT_EQ(tempoSets, 0);
+    session.SetSessionTempo(140.0);
+    settle();
+    EXPECT_DOUBLE_EQ(60000.0 / stepMs, 140.0) << "rounded to a thousandth";
+    EXPECT_EQ(tempoSets, 1);
+    settle();
+    EXPECT_EQ(tempoSets, 1);
+    menu.link->trigger();
+    EXPECT_FALSE(session.Enabled());
+    EXPECT_EQ(keeper->StatusText().find("Link"), std::string::npos);
 }
 
 TEST_F(SyncMenuTest, ItemsAreRememberedAndSwitchesLastOneRun) {
     QMenu bar;
     {
-        SyncMenu menu(&bar, SyncSwitches{}, *keeper);
+        SyncMenu menu(&bar, SyncSwitches{}, *keeper, session, tempo);
         EXPECT_FALSE(clock || transport);
         menu.clock->trigger();
         EXPECT_TRUE(clock);
@@ -81,15 +126,18 @@ TEST_F(SyncMenuTest, ItemsAreRememberedAndSwitchesLastOneRun) {
     {
         SyncSwitches once;
         once.jackTransport = true;
-        SyncMenu menu(&bar, once, *keeper);
+        once.link = true;
+        SyncMenu menu(&bar, once, *keeper, session, tempo);
         EXPECT_TRUE(menu.clock->isChecked());
         EXPECT_TRUE(menu.transport->isChecked());
+        EXPECT_TRUE(menu.link->isChecked() && session.Enabled());
         EXPECT_TRUE(clock && transport);
     }
     bar.clear();
-    SyncMenu menu(&bar, SyncSwitches{}, *keeper);
+    SyncMenu menu(&bar, SyncSwitches{}, *keeper, session, tempo);
     EXPECT_TRUE(menu.clock->isChecked());
     EXPECT_FALSE(menu.transport->isChecked()) << "the switch was for one run";
+    EXPECT_FALSE(menu.link->isChecked());
     EXPECT_FALSE(transport);
 }
 
