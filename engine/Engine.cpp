@@ -3,6 +3,7 @@
 
 #include "engine/ClockDisplay.h"
 #include "engine/Playhead.h"
+#include "engine/Schedule.h"
 #include "engine/SequencerRow.h"
 #include "ui/Row.h"
 
@@ -75,6 +76,16 @@ void Engine::OnKeyEvent(uint8_t pressed, uint32_t scanCode) {
     if (keyTarget != nullptr)
         keyTarget->OnKey(pressed, scanCode);
     keyBusy = 0;
+}
+
+const Playhead* Engine::LeadPlayhead() const {
+    for (int32_t i = 0; i < playheadCount; ++i)
+        if (playheads[i]->running != 0)
+            return playheads[i];
+    for (int32_t i = 0; i < playheadCount; ++i)
+        if (playheads[i]->schedule != nullptr && playheads[i]->schedule->count > 0)
+            return playheads[i];
+    return playheadCount > 0 ? playheads[0] : nullptr;
 }
 
 void Engine::OnTimer() {

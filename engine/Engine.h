@@ -94,9 +94,13 @@ class Engine {
     // dropped. Audio thread, engine lock held, when ticks ran very late.
     int32_t SilentTick();
 
-    // The first instrument's playhead, which clock and transport follow, or
-    // null. Engine lock held.
-    const Playhead* FirstPlayhead() const { return playheadCount > 0 ? playheads[0] : nullptr; }
+    // The instrument that MIDI clock, the transport and a shared session
+    // follow, and that a followed clock starts and stops: the first in the
+    // registry that plays, else the first whose pattern has notes, else the
+    // first; null when there is none. The first one that plays rather than
+    // the first one: the program starts with an empty instrument, and a kit
+    // loaded beside it is what the performer plays. Engine lock held.
+    const Playhead* LeadPlayhead() const;
 
     // The producer thread of `source` (MidiFromJack or MidiFromAlsa),
     // lock-free: queues a message for the tick of its frame (-1: the next

@@ -88,7 +88,7 @@ void Engine::PlayBinding(MidiBinding b, uint8_t pressed) {
 
 // Audio thread, engine lock held, only while following: a pulse times the
 // tempo (one without a frame counts at the tick's start); Start and Continue
-// start the first instrument's sequencer from the beginning of its pattern,
+// start the lead instrument's sequencer from the beginning of its pattern,
 // as Enter does, and Stop stops it, as numpad 0 does.
 void Engine::OnClockByte(uint8_t status, int64_t frame) {
     if (!following)
@@ -100,9 +100,10 @@ void Engine::OnClockByte(uint8_t status, int64_t frame) {
     }
     if (status != 0xFA && status != 0xFB && status != 0xFC)
         return;
-    if (playheadCount == 0 || playheads[0]->schedule == nullptr)
+    const Playhead* lead = LeadPlayhead();
+    if (lead == nullptr || lead->schedule == nullptr)
         return;
-    SequencerRow* sequencer = playheads[0]->schedule->sequencer;
+    SequencerRow* sequencer = lead->schedule->sequencer;
     if (sequencer == nullptr)
         return;
     if (status == 0xFC) {

@@ -190,7 +190,7 @@ void JackOutput::ReadMidi(jack_nframes_t frames) {
 // Audio thread, engine lock held (the callback's tick observer): the clock
 // and the transport follow the first instrument's playhead.
 void JackOutput::OnTick(void* arg, int64_t tick) {
-    const Playhead* first = theEngine != nullptr ? theEngine->FirstPlayhead() : nullptr;
+    const Playhead* first = theEngine != nullptr ? theEngine->LeadPlayhead() : nullptr;
     JackOutput& self = *static_cast<JackOutput*>(arg);
     self.clock.AfterTick(tick, first, self.callback->CurrentFrame());
     self.transport.AfterTick(tick, first);

@@ -120,14 +120,11 @@ int64_t LinkSync::PlaceTick(int64_t tick, int64_t frame) {
 void LinkSync::AfterTick(int64_t tick, const Engine* engine) {
     if (!periodOn || !grid.Anchored())
         return;
-    // The grid follows the first instrument in the registry that plays.
-    const Playhead* first = nullptr;
-    for (int32_t i = 0; engine != nullptr && i < engine->playheadCount && first == nullptr; ++i)
-        if (engine->playheads[i]->running != 0)
-            first = engine->playheads[i];
+    // The grid follows the lead instrument while it plays.
+    const Playhead* lead = engine != nullptr ? engine->LeadPlayhead() : nullptr;
     TickGrid::First now;
-    if (first != nullptr)
-        now = {true, first->position, first->lengthTicks, first->stepMs};
+    if (lead != nullptr && lead->running != 0)
+        now = {true, lead->position, lead->lengthTicks, lead->stepMs};
     const double nominal = line.beatsPerFrame * framesPerTick;
     const TickGrid::Pass pass = grid.Follow(tick, now, nominal);
     if (heldStart) {

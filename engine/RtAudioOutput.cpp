@@ -159,7 +159,7 @@ std::string RtAudioOutput::SyncNote() const {
 // Audio thread, engine lock held (the callback's tick observer).
 void RtAudioOutput::OnTick(void* self, int64_t tick) {
     static_cast<RtAudioOutput*>(self)->clock.AfterTick(
-        tick, theEngine != nullptr ? theEngine->FirstPlayhead() : nullptr);
+        tick, theEngine != nullptr ? theEngine->LeadPlayhead() : nullptr);
 }
 
 // Audio thread: the byte is due when the period's frame `offset` sounds.
