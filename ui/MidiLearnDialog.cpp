@@ -5,6 +5,7 @@
 #include "ui/MidiMapFile.h"
 
 #include <QDialogButtonBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -33,6 +34,8 @@ MidiLearnDialog::MidiLearnDialog(QWidget* parent, KeyMap& target, std::string pa
     QPushButton* remove = new QPushButton(QStringLiteral("Remove"));
     QDialogButtonBox* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     buttons->addButton(remove, QDialogButtonBox::ActionRole);
+    for (QPushButton* b : buttons->findChildren<QPushButton*>())
+        b->setAutoDefault(false);
     QVBoxLayout* layout = new QVBoxLayout(this);
     layout->addWidget(prompt);
     layout->addWidget(list);
@@ -56,6 +59,10 @@ MidiLearnDialog::~MidiLearnDialog() {
     keyMap.shiftDown = 0;
     keyMap.controlDown = 0;
     theEngine->SetKeyTarget(&keyMap);
+}
+
+void MidiLearnDialog::keyPressEvent(QKeyEvent* event) {
+    event->accept();
 }
 
 void MidiLearnDialog::Poll() {

@@ -10,6 +10,7 @@
 class QLabel;
 class QListWidget;
 class KeyMap;
+class QKeyEvent;
 class QTimer;
 
 // Takes the engine's key events while learning: the last key position
@@ -36,6 +37,10 @@ class MidiLearnDialog : public QDialog {
   public:
     MidiLearnDialog(QWidget* parent, KeyMap& keyMap, std::string mapPath);
     ~MidiLearnDialog() override;
+
+  protected:
+    // Every key is one to learn: none closes the dialog or presses a button.
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void Poll();

@@ -88,6 +88,10 @@ TEST_F(MidiMenuTest, LearnsKeyThenPadSavesAndRemoves) {
     Key(1, KeyMap::LShift); // held when learning begins, let go while it runs
     {
         MidiLearnDialog dialog(program.frame, keyMap, MapPath());
+        dialog.show();
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape})
+            QTest::keyClick(&dialog, key);
+        EXPECT_TRUE(dialog.isVisible()) << "Enter and Escape are keys to learn";
         Key(1, KeyMap::Return);
         Key(0, KeyMap::LShift);
         ASSERT_TRUE(theEngine->PostMidi(Engine::MidiFromJack, -1, {0x99, 36, 100}));
