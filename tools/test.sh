@@ -11,7 +11,8 @@ sh tools/build.sh
 export OX_SOURCE_DIR="$PWD"
 
 # The core tests under ASan and UBSan (with clang: also the integer checks).
-core="test_song test_engine test_sound test_editing test_file test_ui"
+core="test_song test_engine test_sound test_editing test_file test_ui test_midi_input test_midi_clock
+      test_link_grid"
 CC=clang CXX=clang++ cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DSANITIZE=asan -DBUILD_BENCHMARKS=OFF >/dev/null
 # shellcheck disable=SC2086
