@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/AudioCallback.h"
 #include "engine/ClockDisplay.h"
 #include "engine/Engine.h"
 #include "engine/Mixer.h"
@@ -11,6 +12,8 @@
 #include "ui/KeyMap.h"
 #include "ui/MainView.h"
 
+#include <algorithm>
+#include <benchmark/benchmark.h>
 #include <initializer_list>
 #include <utility>
 
@@ -69,4 +72,46 @@ struct Stage {
     QuietHost host;
     MainView view;
     KeyMap keys;
+};
+
+// The delay from an event to the first sound after it, for events at every
+// frame offset of a tick, through an audio callback pulling periods of
+// `period` frames at 48 kHz. An event comes after the periods before its
+// frame were rendered (a key), or with the period that holds its frame
+// (inPeriod: MIDI from JACK). post(at) queues the event of frame `at`.
+struct OnsetDelays {
+    template <typename Post> void Measure(Stage& stage, int32_t period, bool inPeriod, Post post) {
+        AudioCallback callback(&stage.engine, stage.mixer);
+        callback.Prepare(48000);
+        stage.Keys({{1, KeyMap::Grave}, {0, KeyMap::Grave}});
+        std::vector<float> out(2 * static_cast<size_t>(period));
+        const int32_t tickFrames = 48000 / TickTime::TicksPerSecond;
+        int64_t frame = 0;
+        for (int32_t offset = 0; offset < tickFrames; ++offset) {
+            const int64_t at = (frame / tickFrames + 4) * tickFrames + offset;
+            while (inPeriod ? frame + period <= at : frame < at) {
+                callback.Render(out.data(), period);
+                frame += period;
+            }
+            post(at);
+            int64_t onset = -1;
+            while (onset < 0) {
+                callback.Render(out.data(), period);
+                for (int32_t f = 0; f < period && onset < 0; ++f)
+                    if (out[2 * f] != 0.0f)
+                        onset = frame + f;
+                frame += period;
+            }
+            worst = std::max(worst, onset - at);
+            sum += onset - at;
+            ++trials;
+        }
+    }
+    void Report(benchmark::State& state) const {
+        state.counters["worst_frames"] = static_cast<double>(worst);
+        state.counters["worst_ms"] = static_cast<double>(worst) / 48.0;
+        state.counters["mean_ms"] = static_cast<double>(sum) / static_cast<double>(trials) / 48.0;
+    }
+
+    int64_t worst = 0, sum = 0, trials = 0;
 };

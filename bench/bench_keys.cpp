@@ -19,41 +19,15 @@ namespace {
 // the delay stays under one period plus two ticks. Reports the worst and
 // mean delay from the press to the note's first frame, at 48 kHz.
 void BM_KeyToSound(benchmark::State& state) {
-    const int32_t period = static_cast<int32_t>(state.range(0));
-    const int32_t tickFrames = 48000 / TickTime::TicksPerSecond;
-    int64_t worst = 0, sum = 0, trials = 0;
+    OnsetDelays delays;
     for (auto _ : state) {
         Stage stage(1, 1);
-        AudioCallback callback(&stage.engine, stage.mixer);
-        callback.Prepare(48000);
-        stage.Keys({{1, KeyMap::Grave}, {0, KeyMap::Grave}});
-        std::vector<float> out(2 * static_cast<size_t>(period));
-        int64_t frame = 0;
-        for (int32_t offset = 0; offset < tickFrames; ++offset) {
-            // The press at a frame with this offset in its tick, some ticks on.
-            const int64_t press = (frame / tickFrames + 4) * tickFrames + offset;
-            while (frame < press) { // periods already rendered when it comes
-                callback.Render(out.data(), period);
-                frame += period;
-            }
+        delays.Measure(stage, static_cast<int32_t>(state.range(0)), false, [&](int64_t) {
             stage.engine.PostKey(1, KeyMap::Return);
             stage.engine.PostKey(0, KeyMap::Return);
-            int64_t onset = -1;
-            while (onset < 0) {
-                callback.Render(out.data(), period);
-                for (int32_t f = 0; f < period && onset < 0; ++f)
-                    if (out[2 * f] != 0.0f)
-                        onset = frame + f;
-                frame += period;
-            }
-            worst = std::max(worst, onset - press);
-            sum += onset - press;
-            ++trials;
-        }
+        });
     }
-    state.counters["worst_frames"] = static_cast<double>(worst);
-    state.counters["worst_ms"] = worst / 48.0;
-    state.counters["mean_ms"] = static_cast<double>(sum) / trials / 48.0;
+    delays.Report(state);
 }
 BENCHMARK(BM_KeyToSound)
     ->Arg(64)

@@ -56,41 +56,16 @@ BENCHMARK(BM_TickWithMidi)->Unit(benchmark::kMicrosecond);
 // boundary) it acts a tick later. Reports the worst and mean delay from the
 // note's frame to the sound's first frame, at 48 kHz.
 void BM_MidiToSound(benchmark::State& state) {
-    const int32_t period = static_cast<int32_t>(state.range(0));
-    const int32_t tickFrames = 48000 / TickTime::TicksPerSecond;
-    int64_t worst = 0, sum = 0, trials = 0;
+    OnsetDelays delays;
     for (auto _ : state) {
         Stage stage(1, 1);
         stage.engine.midiMap.Set({MidiBinding::Note, 10, 38}, KeyMap::Return);
-        AudioCallback callback(&stage.engine, stage.mixer);
-        callback.Prepare(48000);
-        stage.Keys({{1, KeyMap::Grave}, {0, KeyMap::Grave}});
-        std::vector<float> out(2 * static_cast<size_t>(period));
-        int64_t frame = 0;
-        for (int32_t offset = 0; offset < tickFrames; ++offset) {
-            const int64_t note = (frame / tickFrames + 4) * tickFrames + offset;
-            while (frame + period <= note) {
-                callback.Render(out.data(), period);
-                frame += period;
-            }
-            stage.engine.PostMidi(Engine::MidiFromJack, note, {0x99, 38, 100});
-            stage.engine.PostMidi(Engine::MidiFromJack, note, {0x89, 38, 0});
-            int64_t onset = -1;
-            while (onset < 0) {
-                callback.Render(out.data(), period);
-                for (int32_t f = 0; f < period && onset < 0; ++f)
-                    if (out[2 * f] != 0.0f)
-                        onset = frame + f;
-                frame += period;
-            }
-            worst = std::max(worst, onset - note);
-            sum += onset - note;
-            ++trials;
-        }
+        delays.Measure(stage, static_cast<int32_t>(state.range(0)), true, [&](int64_t at) {
+            stage.engine.PostMidi(Engine::MidiFromJack, at, {0x99, 38, 100});
+            stage.engine.PostMidi(Engine::MidiFromJack, at, {0x89, 38, 0});
+        });
     }
-    state.counters["worst_frames"] = static_cast<double>(worst);
-    state.counters["worst_ms"] = worst / 48.0;
-    state.counters["mean_ms"] = static_cast<double>(sum) / trials / 48.0;
+    delays.Report(state);
 }
 BENCHMARK(BM_MidiToSound)
     ->Arg(64)
