@@ -4,6 +4,7 @@
 #include "ui/MidiMenu.h"
 #include "ProgramFixture.h"
 #include "engine/EngineLock.h"
+#include "gui/OffscreenApp.h"
 #include "ui/Bars.h"
 #include "ui/KeyMap.h"
 #include "ui/MidiLearnDialog.h"
@@ -17,7 +18,6 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
@@ -49,16 +49,9 @@ void Key(uint8_t pressed, uint32_t code) {
 
 class MidiMenuTest : public testing::Test {
   protected:
-    static void SetUpTestSuite() {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        static int argc = 1;
-        static char name[] = "test";
-        static char* argv[] = {name, nullptr};
-        app = new QApplication(argc, argv);
-        QStandardPaths::setTestModeEnabled(true);
-    }
+    static void SetUpTestSuite() { app = StartOffscreenApp(); }
     void SetUp() override {
-        QSettings(QStringLiteral("oxbowlantern"), QStringLiteral("oxbowlantern")).clear();
+        ClearSettings();
         theEngine->SetKeyTarget(&keyMap);
         link = bar.addAction(QStringLiteral("Ableton Link"));
         clock = bar.addAction(QStringLiteral("Send MIDI Clock"));

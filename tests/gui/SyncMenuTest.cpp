@@ -6,6 +6,7 @@
 #include "engine/LinkSync.h"
 #include "engine/Mixer.h"
 #include "engine/OutputKeeper.h"
+#include "gui/OffscreenApp.h"
 
 #include <gtest/gtest.h>
 
@@ -13,8 +14,6 @@
 #include <QApplication>
 #include <QMenu>
 #include <QSettings>
-#include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -37,20 +36,9 @@ class SyncOutput : public AudioOutput {
 
 class SyncMenuTest : public testing::Test {
   protected:
-    static void SetUpTestSuite() {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        static int argc = 1;
-        static char name[] = "test";
-        static char* argv[] = {name, nullptr};
-        app = new QApplication(argc, argv);
-        QStandardPaths::setTestModeEnabled(true);
-        // The cases run side by side in processes of their own: each keeps
-        // its settings apart.
-        static QTemporaryDir settings;
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
-    }
+    static void SetUpTestSuite() { app = StartOffscreenApp(); }
     void SetUp() override {
-        QSettings(QStringLiteral("oxbowlantern"), QStringLiteral("oxbowlantern")).clear();
+        ClearSettings();
         OutputKeeper::Outputs outputs;
         outputs.push_back(std::make_unique<SyncOutput>(&clock, &transport));
         keeper = std::make_unique<OutputKeeper>(callback, std::move(outputs));

@@ -26,8 +26,8 @@ int main(int argc, char** argv) {
     NoteBarTest noteBar;
     int failed = 0;
     for (QObject* test :
-         std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &barCommands, &keys,
-                                         &view, &instrumentCommands, &noteBar})
+         std::initializer_list<QObject*>{&parts, &canvas, &frame, &bars, &barCommands, &keys, &view,
+                                         &instrumentCommands, &noteBar})
         failed += QTest::qExec(test, argc, argv) != 0;
     return failed;
 }
