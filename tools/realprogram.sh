@@ -29,3 +29,14 @@ capture() {
         "$(sed -n 2p "$work/ports")" >"$work/rec.log" 2>&1 &
     rec=$!
 }
+
+# end_after_takes: runs the caller's take, and once more after a pause when
+# it missed (a build running beside the test can delay a tick now and then);
+# then ends the program $app and exits with the last take's result.
+end_after_takes() {
+    take || { sleep 1.5; take; }
+    heard=$?
+    kill -TERM $app
+    wait $app
+    exit $heard
+}
