@@ -5,6 +5,7 @@
 #include "engine/Playhead.h"
 #include "engine/Schedule.h"
 #include "engine/SequencerRow.h"
+#include "song/PatternBank.h"
 #include "ui/Row.h"
 
 #include <algorithm>
@@ -78,12 +79,22 @@ void Engine::OnKeyEvent(uint8_t pressed, uint32_t scanCode) {
     keyBusy = 0;
 }
 
+namespace {
+
+// Whether the playhead's instrument has lines, so sounds to play.
+bool HasLines(const Playhead& p) {
+    return p.schedule != nullptr && p.schedule->sequencer != nullptr &&
+           p.schedule->sequencer->bank->GetLineCount() > 0;
+}
+
+} // namespace
+
 const Playhead* Engine::LeadPlayhead() const {
     for (int32_t i = 0; i < playheadCount; ++i)
         if (playheads[i]->running != 0)
             return playheads[i];
     for (int32_t i = 0; i < playheadCount; ++i)
-        if (playheads[i]->schedule != nullptr && playheads[i]->schedule->count > 0)
+        if (HasLines(*playheads[i]))
             return playheads[i];
     return playheadCount > 0 ? playheads[0] : nullptr;
 }

@@ -96,8 +96,8 @@ class Engine {
 
     // The instrument that MIDI clock, the transport and a shared session
     // follow, and that a followed clock starts and stops: the first in the
-    // registry that plays, else the first whose pattern has notes, else the
-    // first; null when there is none. The first one that plays rather than
+    // registry that plays, else the first with lines, else the first; null
+    // when there is none. The first one that plays rather than
     // the first one: the program starts with an empty instrument, and a kit
     // loaded beside it is what the performer plays. Engine lock held.
     const Playhead* LeadPlayhead() const;

@@ -42,4 +42,20 @@ TEST(MidiKeys, NotesPlayKeysAndFollowedClockStartsAndStops) {
     EXPECT_EQ(f.view.Current()->GetSchedule()->playhead.position, 2);
 }
 
+// The program starts with an empty instrument; the clock's Start plays the
+// kit loaded beside it, which then leads.
+TEST(MidiKeys, FollowedClockStartsTheKitBesideAnEmptyFirstInstrument) {
+    ViewFixture f;
+    f.view.NewInstrument();
+    f.AddLines(1);
+    SongFixture::Store(*f.view.Current(), 0, {{0, 0}});
+    Instrument* kit = f.view.Current();
+    Engine& engine = f.song.engine;
+    engine.SetFollowMidiClock(true);
+    ASSERT_TRUE(engine.PostMidi(Engine::MidiFromJack, -1, {0xFA, 0, 0}));
+    f.song.Ticks(2);
+    EXPECT_EQ(kit->GetSequencer()->stopped, 0);
+    EXPECT_EQ(engine.LeadPlayhead(), kit->GetSchedule()->GetPlayhead());
+}
+
 } // namespace
