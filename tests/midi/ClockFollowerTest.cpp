@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include <cmath>
 
 namespace {
@@ -21,10 +23,9 @@ TEST_P(ClockFollowing, SteadySourceGivesSteadyTempo) {
     const double perPulse = 60.0 * s.rate / (s.bpm * 24);
     ClockFollower follower;
     const int64_t origin = 123457;
-    uint32_t noise = 12345;
+    std::minstd_rand noise(12345);
     for (int64_t n = 0; n < 24 * 40; ++n) {
-        noise = noise * 1103515245u + 12345u;
-        const int offset = static_cast<int>(noise >> 16) % 3 - 1;
+        const int offset = static_cast<int>(noise() % 3) - 1;
         follower.Pulse(origin + std::llround(n * perPulse) + offset * s.jitter, s.rate);
         if (n < 24)
             ASSERT_EQ(follower.StepMs(), 0.0) << "too few pulses at " << n;
