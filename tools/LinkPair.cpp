@@ -6,13 +6,15 @@
 // Joins the session, waits for the two instances ("oxbowlantern" and
 // "oxbowlantern-01"), and sets the session to BPM. Both are played by notes on
 // their own "midi in" (channel 10: note 36 highlights the sequencer, 38
-// starts it, 40 stops it), so that each hears only its own. A starts first;
-// B is then started STARTS times, each at a moment of no account and stopped
-// again a second after it sounds. Every sound that starts after silence on
-// either "outport 0" is taken at the instant it reaches the speakers (JACK's
-// frame time plus the port's playback latency) on the session's clock. B's
-// first sound after each start must lie within a millisecond of one of A's
-// measure starts (A's first sound and every bar after it).
+// starts it, 40 stops it), so that each hears only its own. Each is first
+// started once as a warm-up, shown but not judged; A is then started again
+// and B STARTS times more, each at a moment of no account and stopped again
+// a second after it sounds. Every sound that starts after silence on either
+// "outport 0" is taken at the instant it reaches the speakers (JACK's frame
+// time plus the port's playback latency) on the session's clock. B's first
+// sound after each start must lie within a millisecond of one of A's measure
+// starts (A's first sound and every bar after it). The count of clock pulses
+// crowded into one instant is shown too.
 //
 // With COMMAND, a shell command that changes A's tempo by its controls, the
 // tool then runs it and times the MIDI clock on both "midi out" ports: A's
