@@ -56,10 +56,10 @@ void MidiClock::AfterTick(int64_t tick, const Playhead* first, int64_t frame) {
         Send(now, Start);
         playing = true;
         stepMs = first->stepMs;
-        Anchor(startTick, now);
+        Anchor(startTick, now, true);
     } else if (startTick != passStartTick) {
         stepMs = first->stepMs;
-        Anchor(startTick, now);
+        Anchor(startTick, now, false);
     } else if (first->stepMs != stepMs) {
         // The pulse sent last becomes the grid point, at the new spacing.
         if (next > 0) {
@@ -74,13 +74,14 @@ void MidiClock::AfterTick(int64_t tick, const Playhead* first, int64_t frame) {
     }
 }
 
-// Puts pulse 0 on the start tick's frame. A start still to come (the pass
-// begins with the next tick) waits in pendingStart and the old grid runs
-// until then; a start already past goes on with the first pulse from now.
-void MidiClock::Anchor(int64_t startTick, int64_t now) {
+// Puts pulse 0 on the start tick's frame. A new pass still to come (it
+// begins with the next tick) waits in pendingStart and the old pass's grid
+// runs until then; a first start has no old grid and just waits for pulse 0.
+// A start already past goes on with the first pulse from now.
+void MidiClock::Anchor(int64_t startTick, int64_t now, bool first) {
     passStartTick = startTick;
     const int64_t start = AudioCallback::TickFrame(startTick, rate) + shift;
-    if (start > now) {
+    if (start > now && !first) {
         pendingStart = start;
         return;
     }
@@ -88,6 +89,9 @@ void MidiClock::Anchor(int64_t startTick, int64_t now) {
     framesPerPulse = PulseGrid::FramesPerPulse(stepMs, rate);
     originFrame = start;
     originFraction = 0.0;
+    next = 0;
+    if (start >= now)
+        return;
     next = static_cast<int64_t>(static_cast<double>(now - start) / framesPerPulse);
     while (next > 0 && PulseFrame(next - 1) >= now)
         --next;

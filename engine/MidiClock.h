@@ -54,7 +54,7 @@ class MidiClock {
   private:
     void EmitUntil(int64_t frame);
     void Send(int64_t frame, uint8_t byte);
-    void Anchor(int64_t startTick, int64_t now);
+    void Anchor(int64_t startTick, int64_t now, bool first);
     int64_t PulseFrame(int64_t n) const {
         return originFrame + PulseGrid::PulseOffset(originFraction, n, framesPerPulse);
     }

@@ -129,4 +129,48 @@ TEST(MidiClock, PulsesKeepToTheTickGridAcrossTempoChangesAndPasses) {
     }
 }
 
+// Started as keys start a pattern (the tick that starts it leaves it at
+// position 0, so its first pass begins with the next tick), and started
+// again after a stop: each start sends Start, then pulse 0 on the next tick's
+// frame and one pulse a spacing, never a run of pulses at once.
+TEST(MidiClock, AStartByKeySendsNoBurst) {
+    struct Sink {
+        std::vector<Event> events;
+        int64_t periodStart = 0;
+        static void Write(void* self, int32_t offset, uint8_t byte) {
+            Sink& s = *static_cast<Sink*>(self);
+            s.events.emplace_back(s.periodStart + offset, byte);
+        }
+    } sink;
+    MidiClock clock;
+    clock.Prepare(Rate, Sink::Write, &sink);
+    Playhead playhead(nullptr);
+    playhead.lengthTicks = 100000;
+    playhead.stepMs = 500.0; // 1000 frames a pulse
+    const int64_t starts[] = {10, 700}, stop = 500;
+    int64_t tick = 0;
+    for (int64_t start = 0; tick < 900; start += 256) {
+        sink.periodStart = start;
+        clock.BeginPeriod(start, 256);
+        for (; AudioCallback::TickFrame(tick, Rate) < start + 256; ++tick) {
+            playhead.position += playhead.running;
+            if (tick == starts[0] || tick == starts[1]) {
+                playhead.running = 1;
+                playhead.position = 0;
+            }
+            if (tick == stop)
+                playhead.running = 0;
+            clock.AfterTick(tick, &playhead);
+        }
+        clock.EndPeriod();
+    }
+    for (const int64_t s : starts) {
+        const auto at = std::find(sink.events.begin(), sink.events.end(),
+                                  Event{AudioCallback::TickFrame(s, Rate), MidiClock::Start});
+        ASSERT_NE(at, sink.events.end()) << "start at tick " << s;
+        EXPECT_EQ(at[1], Event(AudioCallback::TickFrame(s + 1, Rate), MidiClock::Pulse));
+        EXPECT_EQ(at[2], Event(AudioCallback::TickFrame(s + 1, Rate) + 1000, MidiClock::Pulse));
+    }
+}
+
 } // namespace
