@@ -53,6 +53,13 @@ MidiMenu::MidiMenu(QMenu* menu, QAction* l, QAction* s, CMainFrame& f, KeyMap& k
     connect(sendClock, &QAction::toggled, this, &MidiMenu::Exclude);
     connect(tempoPoll, &QTimer::timeout, this, &MidiMenu::FollowTempo);
     LoadMap(!once.midiMapFile.empty());
+    // Asked for together with what it excludes (switches, or settings of an
+    // older version): sending and sharing win, as they were chosen first.
+    if (follow->isChecked() && (link->isChecked() || sendClock->isChecked())) {
+        follow->setChecked(false);
+        frame.statusBar()->showMessage(QStringLiteral(
+            "Follow MIDI Clock is off: it cannot be on with Ableton Link or Send MIDI Clock"));
+    }
     FollowChanged();
 }
 

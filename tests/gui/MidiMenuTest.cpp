@@ -154,6 +154,14 @@ TEST_F(MidiMenuTest, FollowingExcludesSendingClockAndLink) {
     }
 }
 
+TEST_F(MidiMenuTest, FollowingAskedWithSendingClockStaysOff) {
+    clock->setChecked(true);
+    const auto menu = Menu({}, true);
+    EXPECT_FALSE(menu->follow->isChecked());
+    EXPECT_FALSE(theEngine->FollowsMidiClock());
+    EXPECT_TRUE(program.frame->statusBar()->currentMessage().contains("cannot be on"));
+}
+
 TEST_F(MidiMenuTest, FollowedClockTempoReachesTheTimersBar) {
     const auto menu = Menu({}, true);
     const double framesPerPulse = 60.0 * 48000 / (97.3 * 24);
