@@ -43,15 +43,18 @@ struct Case {
 
 constexpr int64_t StartTick = 7, StopTick = StartTick + 2500, Ticks = StopTick + 40;
 
+// The clock's bytes at their frames.
+struct Sink {
+    std::vector<Event> events;
+    int64_t periodStart = 0;
+    static void Write(void* self, int32_t offset, uint8_t byte) {
+        Sink& s = *static_cast<Sink*>(self);
+        s.events.emplace_back(s.periodStart + offset, byte);
+    }
+};
+
 std::vector<Event> Drive(const Case& c) {
-    struct Sink {
-        std::vector<Event> events;
-        int64_t periodStart = 0;
-        static void Write(void* self, int32_t offset, uint8_t byte) {
-            Sink& s = *static_cast<Sink*>(self);
-            s.events.emplace_back(s.periodStart + offset, byte);
-        }
-    } sink;
+    Sink sink;
     MidiClock clock;
     clock.Prepare(Rate, Sink::Write, &sink);
     Playhead playhead(nullptr);
@@ -134,14 +137,7 @@ TEST(MidiClock, PulsesKeepToTheTickGridAcrossTempoChangesAndPasses) {
 // again after a stop: each start sends Start, then pulse 0 on the next tick's
 // frame and one pulse a spacing, never a run of pulses at once.
 TEST(MidiClock, AStartByKeySendsNoBurst) {
-    struct Sink {
-        std::vector<Event> events;
-        int64_t periodStart = 0;
-        static void Write(void* self, int32_t offset, uint8_t byte) {
-            Sink& s = *static_cast<Sink*>(self);
-            s.events.emplace_back(s.periodStart + offset, byte);
-        }
-    } sink;
+    Sink sink;
     MidiClock clock;
     clock.Prepare(Rate, Sink::Write, &sink);
     Playhead playhead(nullptr);
