@@ -189,4 +189,34 @@ TEST(KeyMap, AtMostThreeEventsEachTick) {
     EXPECT_EQ(Seq(f)->cueMode, 0);
 }
 
+// Enter while a shared session holds starts: the sequencer stays stopped
+// until the tick the gate names, and starts in it; without a gate, at once.
+TEST(KeyMap, EnterHeldByTheStartGateStartsInTheDueTick) {
+    struct Gate {
+        bool hold;
+        int64_t ticks = 0, dueAt;
+    };
+    for (Gate gate : {Gate{true, 0, 5}, Gate{false, 0, 0}}) {
+        ViewFixture f;
+        f.AddLines(1);
+        SongFixture::Store(*f.view.Current(), 0, {{0, 0}});
+        Engine& engine = f.song.engine;
+        engine.SetStartGate({[](void* g) { return static_cast<Gate*>(g)->hold; },
+                             [](void* g) {
+                                 Gate& s = *static_cast<Gate*>(g);
+                                 return ++s.ticks >= s.dueAt;
+                             },
+                             &gate});
+        engine.PostKey(1, KeyMap::Grave);
+        engine.PostKey(0, KeyMap::Grave);
+        engine.PostKey(1, KeyMap::Return);
+        f.song.Ticks(1);
+        const SequencerRow* sequencer = f.view.Current()->GetSequencer();
+        EXPECT_EQ(sequencer->stopped, gate.hold ? 1 : 0) << "held " << gate.hold;
+        f.song.Ticks(gate.dueAt);
+        EXPECT_EQ(sequencer->stopped, 0) << "held " << gate.hold;
+        EXPECT_EQ(gate.ticks, gate.hold ? gate.dueAt : 0);
+    }
+}
+
 } // namespace
