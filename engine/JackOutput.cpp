@@ -144,7 +144,10 @@ int JackOutput::Process(jack_nframes_t frames, void* arg) {
     if (clockOn)
         self.clock.BeginPeriod(static_cast<int64_t>(self.callback->FramesRendered()),
                                static_cast<int32_t>(frames));
-    self.periodLink = self.link.load(std::memory_order_acquire);
+    // Link's timing is read only while it is on: at rest a period does
+    // nothing for it.
+    LinkSync* link = self.link.load(std::memory_order_acquire);
+    self.periodLink = link != nullptr && link->Enabled() ? link : nullptr;
     if (self.periodLink != nullptr)
         self.BeginLinkPeriod(*self.periodLink, frames);
     float* left = static_cast<float*>(jack_port_get_buffer(self.ports[0], frames));
