@@ -1,14 +1,22 @@
 # Sourced by the real-program tests; $work is their scratch folder.
 
 # start_jack NAME [PERIOD]: a private JACK server on the dummy driver at
-# 48 kHz and periods of PERIOD frames (256 unless given), stopped (and $work
-# removed) when the script ends.
+# 48 kHz and periods of PERIOD frames (256 unless given), once it answers;
+# stopped (and $work removed) when the script ends.
 start_jack() {
     export JACK_NO_AUDIO_RESERVATION=1 JACK_DEFAULT_SERVER="$1"
     jackd -n "$1" -d dummy -r 48000 -p "${2:-256}" >"$work/jackd.log" 2>&1 &
     jack=$!
     trap 'kill $jack 2>/dev/null || true; rm -rf "$work"' EXIT
-    sleep 1
+    # Up to ten seconds for the server to answer: a loaded machine can be
+    # slow to start it, and a program started before it would find no JACK.
+    for i in $(seq 50); do
+        jack_lsp >/dev/null 2>&1 && return 0
+        sleep 0.2
+    done
+    echo "the JACK server $1 did not start:"
+    cat "$work/jackd.log"
+    return 1
 }
 
 # program_ports: waits up to ten seconds for the program's output ports,
