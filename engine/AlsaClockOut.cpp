@@ -1,5 +1,7 @@
 #include "engine/AlsaClockOut.h"
 
+#include "engine/AlsaSequencer.h"
+
 #include <RtMidi.h>
 #include <time.h>
 
@@ -25,6 +27,10 @@ AlsaClockOut::~AlsaClockOut() {
 bool AlsaClockOut::Open() {
     if (out != nullptr)
         return true;
+    if (!AlsaSequencerPresent()) {
+        failure = "no ALSA sequencer for MIDI clock";
+        return false;
+    }
     try {
         out = std::make_unique<RtMidiOut>(RtMidi::LINUX_ALSA, "oxbowlantern");
         out->openVirtualPort("midi out");

@@ -2,6 +2,8 @@
 
 #include "engine/Engine.h"
 
+#include "engine/AlsaSequencer.h"
+
 #include <RtMidi.h>
 
 AlsaMidiIn::AlsaMidiIn() = default;
@@ -14,6 +16,10 @@ bool AlsaMidiIn::Open(Engine& target) {
     if (in != nullptr)
         return true;
     engine = &target;
+    if (!AlsaSequencerPresent()) {
+        failure = "no ALSA sequencer for MIDI input";
+        return false;
+    }
     try {
         in = std::make_unique<RtMidiIn>(RtMidi::LINUX_ALSA, "oxbowlantern");
         // SysEx and active sensing are of no use here; the clock is.

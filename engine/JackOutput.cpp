@@ -63,8 +63,8 @@ bool JackOutput::Open() {
         jack_port_register(client, "outport 1", JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, 0);
     midiPort = jack_port_register(client, "midi out", JACK_DEFAULT_MIDI_TYPE, JackPortIsOutput, 0);
     midiInPort = jack_port_register(client, "midi in", JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, 0);
-    if (ports[0] == nullptr || ports[1] == nullptr || midiPort == nullptr ||
-        midiInPort == nullptr) {
+    // A server without MIDI still plays; SyncNote says what is missing.
+    if (ports[0] == nullptr || ports[1] == nullptr) {
         failure = "the JACK output ports could not be registered";
         return false;
     }
@@ -126,6 +126,13 @@ void JackOutput::Stop() {
     callback = nullptr;
 }
 
+std::string JackOutput::SyncNote() const {
+    const std::string note = transport.Note();
+    if (client == nullptr || (midiPort != nullptr && midiInPort != nullptr))
+        return note;
+    return "The JACK server gives no MIDI ports" + (note.empty() ? "" : "; " + note);
+}
+
 std::string JackOutput::Describe() const {
     return DescribeDevice("JACK", rate, PeriodFrames());
 }
@@ -138,9 +145,11 @@ int JackOutput::Process(jack_nframes_t frames, void* arg) {
     JackOutput& self = *static_cast<JackOutput*>(arg);
     self.processing.store(true);
     self.ReadMidi(frames);
-    self.midiBuffer = jack_port_get_buffer(self.midiPort, frames);
-    jack_midi_clear_buffer(self.midiBuffer);
-    const bool clockOn = self.clockOn.load(std::memory_order_relaxed);
+    const bool clockOn = self.midiPort != nullptr && self.clockOn.load(std::memory_order_relaxed);
+    if (self.midiPort != nullptr) {
+        self.midiBuffer = jack_port_get_buffer(self.midiPort, frames);
+        jack_midi_clear_buffer(self.midiBuffer);
+    }
     if (clockOn)
         self.clock.BeginPeriod(static_cast<int64_t>(self.callback->FramesRendered()),
                                static_cast<int32_t>(frames));
@@ -173,6 +182,8 @@ int JackOutput::Process(jack_nframes_t frames, void* arg) {
 // tick its frame falls in; when that tick began in an earlier period and has
 // run, in the next one.
 void JackOutput::ReadMidi(jack_nframes_t frames) {
+    if (midiInPort == nullptr)
+        return;
     void* in = jack_port_get_buffer(midiInPort, frames);
     Engine* engine = theEngine;
     if (in == nullptr || engine == nullptr)

@@ -41,7 +41,8 @@ class JackOutput : public AudioOutput {
 
     void SetSync(bool midiClock, bool transportMaster) override;
     void FollowSync() override { transport.Follow(); }
-    std::string SyncNote() const override { return transport.Note(); }
+    // The transport's state, and MIDI ports the server would not give.
+    std::string SyncNote() const override;
     void SetLink(LinkSync* l) override { link.store(l, std::memory_order_release); }
 
   private:

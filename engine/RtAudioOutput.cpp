@@ -114,6 +114,7 @@ bool RtAudioOutput::TryApi(int apiNumber, AudioCallback& c) {
         apiName = ApiLabel(api);
         if (theEngine != nullptr)
             midiIn.Open(*theEngine);
+        OpenClock();
         return true;
     } catch (const RtAudioError& e) {
         Fail(api, e.getMessage());
@@ -140,19 +141,28 @@ void RtAudioOutput::Stop() {
     }
     midiIn.Close();
     audio.reset();
+    OpenClock();
     callback->SetTickObserver(nullptr, nullptr);
     callback = nullptr;
 }
 
+// The ALSA clock port is open only while this output plays: while JACK
+// plays, the clock goes out on JACK's port alone.
 void RtAudioOutput::SetSync(bool midiClock, bool) {
-    if (midiClock)
-        alsaClock.Open();
-    clockOn.store(midiClock && alsaClock.IsOpen(), std::memory_order_relaxed);
+    clockWanted = midiClock;
+    OpenClock();
+}
+
+void RtAudioOutput::OpenClock() {
+    const bool open = clockWanted && audio != nullptr && alsaClock.Open();
+    clockOn.store(open, std::memory_order_relaxed);
+    if (!open)
+        alsaClock.Close();
 }
 
 std::string RtAudioOutput::SyncNote() const {
     const std::string in = midiIn.Failure();
-    const std::string out = alsaClock.IsOpen() ? std::string() : alsaClock.Failure();
+    const std::string out = clockWanted && !alsaClock.IsOpen() ? alsaClock.Failure() : "";
     return in.empty() || out.empty() ? in + out : in + "; " + out;
 }
 

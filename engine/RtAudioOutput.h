@@ -53,6 +53,7 @@ class RtAudioOutput : public AudioOutput {
     void Fail(int api, const std::string& reason);
     static int Callback(void* output, void* input, unsigned int frames, double time,
                         unsigned int status, void* user);
+    void OpenClock();
     static void OnTick(void* self, int64_t tick);
     static void WriteMidi(void* self, int32_t offset, uint8_t byte);
 
@@ -66,6 +67,7 @@ class RtAudioOutput : public AudioOutput {
     std::atomic<uint64_t> periods{0};
     uint64_t periodsAsked = 0; // periods at the last Lost, GUI thread
 
+    bool clockWanted = false;
     std::atomic<bool> clockOn{false};
     MidiClock clock;
     AlsaClockOut alsaClock;

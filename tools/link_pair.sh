@@ -46,8 +46,11 @@ xvfb-run -a -s "-screen 0 1280x800x24" sh -c '
     window=$(xdotool search --pid $a --name "^oxbowlantern" | head -1)
     click="xdotool windowraise $window mousemove 723 42 click 1 sleep 0.5 mousemove 451 742 click 1"
     [ "$tempo" = notempo ] && click=
+    # A second take, from a session set to 130 BPM again, only when a start
+    # of the first missed its bar.
+    take() { "$pair" 130 "$starts" ${click:+"$click"} >>"$work/pair.log" 2>&1; }
     passed=0
-    "$pair" 130 "$starts" ${click:+"$click"} >"$work/pair.log" 2>&1 || passed=1
+    take || { echo "-- a second take" >>"$work/pair.log"; take; } || passed=1
     kill -TERM $a $b
     wait $a $b
     exit $passed
