@@ -137,24 +137,40 @@ inline __m128 Interpolate(__m128 s0, __m128 s1, __m128 frac) {
     return _mm_add_ps(s0, _mm_mul_ps(frac, _mm_sub_ps(s1, s0)));
 }
 
+// What the four-frame loops keep across groups: the gains of the left and
+// right lanes (a 16-bit sample's scale folded in) and the low words of the
+// next four positions.
+struct Lanes {
+    template <typename T>
+    Lanes(const T* data, uint64_t position, uint64_t step, float gainLeft, float gainRight)
+        : gain(_mm_setr_ps(gainLeft * Scale(data), gainRight * Scale(data), gainLeft * Scale(data),
+                           gainRight * Scale(data))),
+          advance(_mm_set1_epi32(static_cast<int32_t>(static_cast<uint32_t>(step * 4)))),
+          low(LowWords(position, step)) {}
+    // The fractions of the next four positions; then on to the four after.
+    __m128 NextFractions() {
+        const __m128 frac = Fractions(low);
+        low = _mm_add_epi32(low, advance);
+        return frac;
+    }
+    const __m128 gain;
+    const __m128i advance;
+    __m128i low;
+};
+
 // Audio thread: the whole groups of four frames; returns the frames done.
 template <typename T>
 int32_t StereoWide(float* out, const T* data, uint64_t& position, uint64_t step, int32_t n,
                    float gainLeft, float gainRight) {
-    const float left = gainLeft * Scale(data);
-    const float right = gainRight * Scale(data);
-    const __m128 gain = _mm_setr_ps(left, right, left, right);
-    const __m128i advance = _mm_set1_epi32(static_cast<int32_t>(static_cast<uint32_t>(step * 4)));
-    __m128i low = LowWords(position, step);
+    Lanes lanes(data, position, step, gainLeft, gainRight);
     int32_t i = 0;
     for (; i + 4 <= n; i += 4) {
-        const __m128 frac = Fractions(low);
-        low = _mm_add_epi32(low, advance);
+        const __m128 frac = lanes.NextFractions();
         __m128 s0, s1;
         StereoPoints(data, position, position + step, s0, s1);
-        Add(out + 2 * i, gain, Interpolate(s0, s1, _mm_unpacklo_ps(frac, frac)));
+        Add(out + 2 * i, lanes.gain, Interpolate(s0, s1, _mm_unpacklo_ps(frac, frac)));
         StereoPoints(data, position + 2 * step, position + 3 * step, s0, s1);
-        Add(out + 2 * i + 4, gain, Interpolate(s0, s1, _mm_unpackhi_ps(frac, frac)));
+        Add(out + 2 * i + 4, lanes.gain, Interpolate(s0, s1, _mm_unpackhi_ps(frac, frac)));
         position += 4 * step;
     }
     return i;
@@ -163,21 +179,16 @@ int32_t StereoWide(float* out, const T* data, uint64_t& position, uint64_t step,
 template <typename T>
 int32_t MonoWide(float* out, const T* data, uint64_t& position, uint64_t step, int32_t n,
                  float gainLeft, float gainRight) {
-    const float left = gainLeft * Scale(data);
-    const float right = gainRight * Scale(data);
-    const __m128 gain = _mm_setr_ps(left, right, left, right);
-    const __m128i advance = _mm_set1_epi32(static_cast<int32_t>(static_cast<uint32_t>(step * 4)));
-    __m128i low = LowWords(position, step);
+    Lanes lanes(data, position, step, gainLeft, gainRight);
     int32_t i = 0;
     for (; i + 4 <= n; i += 4) {
-        const __m128 frac = Fractions(low);
-        low = _mm_add_epi32(low, advance);
+        const __m128 frac = lanes.NextFractions();
         const uint64_t p[4] = {position, position + step, position + 2 * step, position + 3 * step};
         __m128 s0, s1;
         MonoPoints(data, p, s0, s1);
         const __m128 value = Interpolate(s0, s1, frac);
-        Add(out + 2 * i, gain, _mm_unpacklo_ps(value, value));
-        Add(out + 2 * i + 4, gain, _mm_unpackhi_ps(value, value));
+        Add(out + 2 * i, lanes.gain, _mm_unpacklo_ps(value, value));
+        Add(out + 2 * i + 4, lanes.gain, _mm_unpackhi_ps(value, value));
         position += 4 * step;
     }
     return i;
